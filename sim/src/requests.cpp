@@ -1,0 +1,53 @@
+// Raw requests sent with mipc_msg_sync_timeout and their confirmations.
+#include <map>
+
+#include "core.h"
+
+using namespace mipc_sim;
+
+namespace {
+
+constexpr uint16_t kResultTlv = 0;
+
+std::map<uint16_t, Confirmer> &confirmers() {
+    static std::map<uint16_t, Confirmer> instance;
+    return instance;
+}
+
+const core::ResetHook kReset([] { confirmers().clear(); });
+
+}  // namespace
+
+extern "C" mipc_msg_t *mipc_msg_sync_timeout(mipc_msg_t *msg_req_ptr) {
+    Call request{"mipc_msg_sync_timeout", msg_req_ptr ? msg_req_ptr->ps_id : -1,
+                 msg_req_ptr ? msg_req_ptr->id : 0u, "", 0, core::tlvs_of(msg_req_ptr)};
+    core::record(request);
+    Fault fault{};
+    bool faulted = core::take_fault("mipc_msg_sync_timeout", &fault);
+    if (msg_req_ptr == nullptr) return nullptr;
+    if (faulted && fault.kind != Fault::Kind::kResultCode) return nullptr;
+
+    std::vector<Tlv> tlvs{tlv_u32(kResultTlv, 0)};
+    Confirmer confirmer;
+    {
+        std::lock_guard<std::mutex> guard(core::state_lock());
+        auto found = confirmers().find(msg_req_ptr->id);
+        if (found != confirmers().end()) confirmer = found->second;
+    }
+    if (confirmer) tlvs = confirmer(request);
+    if (faulted) {
+        for (Tlv &tlv : tlvs) {
+            if (tlv.type == kResultTlv) tlv = tlv_u32(kResultTlv, fault.value);
+        }
+    }
+    return make_message(msg_req_ptr->id, msg_req_ptr->ps_id, std::move(tlvs));
+}
+
+namespace mipc_sim {
+
+void on_request(uint16_t msg_id, Confirmer confirmer) {
+    std::lock_guard<std::mutex> guard(core::state_lock());
+    confirmers()[msg_id] = std::move(confirmer);
+}
+
+}  // namespace mipc_sim

@@ -1,5 +1,5 @@
 # The library exports exactly the symbols named in the exports.list files of
-# its subsystems (one symbol a line; '#' starts a comment). A name with a
+# its subsystems (src/<subsystem>/exports.list or <area>.exports.list) (one symbol a line; '#' starts a comment). A name with a
 # parameter list, such as "nkw_pal_nvm_tab_index_get(unsigned int)", keeps
 # C++ linkage and is matched by its demangled signature.
 function(nkw_pal_write_version_script out_file)

@@ -11,6 +11,7 @@ constexpr uint32_t kResultOk = 0;
 
 void acknowledge(mipc_msg_t *received) {
     mipc_msg_t *reply = mipc_msg_copy_hdr(received);
+    if (reply == nullptr) return;  // nothing to send, nothing to release
     mipc_msg_add_tlv(reply, kResultTlv, sizeof kResultOk, &kResultOk);
     mipc_msg_rsp(reply);
     mipc_msg_deinit(reply);

@@ -8,6 +8,7 @@ namespace nkw::modem {
 
 // Replies to `received` with TLV 0 holding the 32-bit value 0. The modem
 // library's results are not checked: there is nobody to report them to.
+// A reply that cannot be made is skipped.
 void acknowledge(mipc_msg_t *received);
 
 }  // namespace nkw::modem

@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <cstring>
+#include <string>
 #include <thread>
 
 #include "mipc_sim.h"
@@ -27,18 +27,18 @@ TEST(SimDispatcher, HandlersRunOnTheDispatcherThreadNotTheCallers) {
 TEST(SimAt, AsyncCompletionArrivesLaterOnTheDispatcher) {
     mipc_sim::set_at_reply("AT+CSQ", 0, "+CSQ: 20,99");
     static std::atomic<int> completions{0};
-    static char response[64];
+    static std::string response;
     ASSERT_EQ(MIPC_RESULT_SUCCESS,
               mipc_sys_at_async(
                   MIPC_PS0,
                   [](mipc_sim_ps_id_enum, mipc_sys_at_struct *r, void *) {
-                      std::strncpy(response, r->atcmd_res_ptr, sizeof response - 1);
+                      response = r->atcmd_res_ptr;
                       ++completions;
                   },
                   nullptr, "AT+CSQ"));
     mipc_sim::drain();
     EXPECT_EQ(1, completions.load());
-    EXPECT_STREQ("+CSQ: 20,99", response);
+    EXPECT_EQ("+CSQ: 20,99", response);
 
     mipc_sim::fail_next("mipc_sys_at_async", mipc_sim::no_confirmation());
     mipc_sys_at_async(

@@ -31,5 +31,8 @@ install(FILES ${PROJECT_BINARY_DIR}/nkw_palConfig.cmake
               ${PROJECT_BINARY_DIR}/nkw_palConfigVersion.cmake
         DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/nkw_pal)
 
+# Relative to the .pc file, so the installed tree can be moved (a staging dir).
+file(RELATIVE_PATH NKW_PAL_PC_PREFIX_FROM_PCDIR "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig"
+     "${CMAKE_INSTALL_PREFIX}")
 configure_file(${PROJECT_SOURCE_DIR}/cmake/nkw_pal.pc.in ${PROJECT_BINARY_DIR}/nkw_pal.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/nkw_pal.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

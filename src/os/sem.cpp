@@ -144,7 +144,8 @@ int32_t nkw_pal_sem_wait(sem_info *handle, const uint32_t *timeout_ms) {
 }
 
 int32_t nkw_pal_sem_deinit(sem_info **handle) {
-    sem_info *info = *handle;
+    // A null address is answered like a null handle rather than crashing.
+    sem_info *info = handle != nullptr ? *handle : nullptr;
     if (info == nullptr) {
         NKW_LOGE(kTag, "The input parameter is incorrect \n");
         return NKW_PAL_INVALID_ARG;

@@ -34,20 +34,20 @@ enum {
 
 /* Statuses of threads, mutexes, timers, message queues and sockets. */
 enum {
-    NKW_PAL_MUTEX_INIT_FAILED = 2,         /* pthread_mutex_init refused */
-    NKW_PAL_OS_MISSING_ARG = 8,            /* socket calls: address, host or data missing */
-    NKW_PAL_THREAD_UNSUPPORTED = 10,       /* nkw_pal_thread_suspend / _resume */
-    NKW_PAL_MUTEX_BUSY = 203,              /* trylock: errno was EBUSY */
-    NKW_PAL_MUTEX_NO_MEMORY = 206,         /* mutex record allocation failed */
-    NKW_PAL_MQ_NO_SPACE = 303,             /* mq_open: system queue limit reached */
-    NKW_PAL_MQ_HALF_BUILT = 305,           /* delete of a handle missing its name */
-    NKW_PAL_TIMER_NO_MEMORY = 403,         /* timer_create: out of memory */
-    NKW_PAL_THREAD_CANCEL_REFUSED = 502,   /* pthread_cancel failed; nothing freed */
-    NKW_PAL_THREAD_ATTR_INIT_FAILED = 503, /* logged only ("thread create failed ret") */
+    NKW_PAL_MUTEX_INIT_FAILED = 2,          /* pthread_mutex_init refused */
+    NKW_PAL_OS_MISSING_ARG = 8,             /* socket calls: address, host or data missing */
+    NKW_PAL_THREAD_UNSUPPORTED = 10,        /* nkw_pal_thread_suspend / _resume */
+    NKW_PAL_MUTEX_BUSY = 203,               /* trylock: errno was EBUSY */
+    NKW_PAL_MUTEX_NO_MEMORY = 206,          /* mutex record allocation failed */
+    NKW_PAL_MQ_NO_SPACE = 303,              /* mq_open: system queue limit reached */
+    NKW_PAL_MQ_HALF_BUILT = 305,            /* delete of a handle missing its name */
+    NKW_PAL_TIMER_NO_MEMORY = 403,          /* timer_create: out of memory */
+    NKW_PAL_THREAD_CANCEL_REFUSED = 502,    /* pthread_cancel failed; nothing freed */
+    NKW_PAL_THREAD_ATTR_INIT_FAILED = 503,  /* logged only ("thread create failed ret") */
     NKW_PAL_THREAD_SCHEDPARAM_FAILED = 504, /* logged only */
-    NKW_PAL_THREAD_STACK_TOO_SMALL = 505,  /* logged only */
-    NKW_PAL_RESOLVE_FAILED = 1502,         /* getaddrinfo failed or found nothing */
-    NKW_PAL_RESOLVE_NO_ADDRESS = 1503      /* no IPv4 or IPv6 result */
+    NKW_PAL_THREAD_STACK_TOO_SMALL = 505,   /* logged only */
+    NKW_PAL_RESOLVE_FAILED = 1502,          /* getaddrinfo failed or found nothing */
+    NKW_PAL_RESOLVE_NO_ADDRESS = 1503       /* no IPv4 or IPv6 result */
 };
 
 /* ---- Heap ---------------------------------------------------------------
@@ -138,8 +138,9 @@ NKW_PAL_API int32_t nkw_pal_thread_create(thread_info **out, const char *name,
 
 /*
  * Cancels the thread (without waiting for it to end), frees the handle and
- * clears *handle. `handle` itself must not be NULL, and the thread must not
- * have returned yet. Returns 0, 7 bad handle, 502 cancellation refused.
+ * clears *handle. The thread must not have returned yet, and should have
+ * started (the new thread reads the record as it starts). Returns 0, 7 NULL
+ * handle or handle address, 502 cancellation refused (nothing freed).
  */
 NKW_PAL_API int32_t nkw_pal_thread_delete(thread_info **handle);
 
@@ -171,9 +172,9 @@ NKW_PAL_API int32_t nkw_pal_mutex_trylock(mutex_info *handle);
 /* Returns 0, 7 null handle, -1 failure (e.g. not the owner). */
 NKW_PAL_API int32_t nkw_pal_mutex_unlock(mutex_info *handle);
 /*
- * Destroys the mutex, frees the handle and clears *handle. `handle` itself
- * must not be NULL. Returns 0, 7 bad handle, -1 destroy refused (a locked
- * mutex; nothing freed).
+ * Destroys the mutex, frees the handle and clears *handle. Returns 0, 7 NULL
+ * handle or handle address, -1 destroy refused (a locked mutex; nothing
+ * freed).
  */
 NKW_PAL_API int32_t nkw_pal_mutex_delete(mutex_info **handle);
 
@@ -203,8 +204,9 @@ NKW_PAL_API int32_t nkw_pal_timer_start(timer_info *handle, uint32_t ms, uint8_t
 NKW_PAL_API int32_t nkw_pal_timer_stop(timer_info *handle);
 /*
  * Deletes the timer, frees the handle and clears *handle. A callback already
- * under way may still be running when this returns. `handle` itself must not
- * be NULL. Returns 0, 5 null *handle, -1 (handle kept).
+ * under way may still be running when this returns, so stop the timer and
+ * let its last callback finish first. Returns 0, 5 NULL handle or handle
+ * address, -1 timer_delete failed (handle kept).
  */
 NKW_PAL_API int32_t nkw_pal_timer_delete(timer_info **handle);
 /* 1 while armed, else 0 (also for a bad handle). */
@@ -239,8 +241,8 @@ typedef struct mq_usage {
 NKW_PAL_API int32_t nkw_pal_mq_create(uint32_t maxmsg, uint32_t msgsize, const char *name,
                                       mq_info **out);
 /*
- * Closes and unlinks the queue, frees the handle and clears *handle. `handle`
- * itself must not be NULL. Returns 0, 5 null *handle, 305 half-built handle.
+ * Closes and unlinks the queue, frees the handle and clears *handle. Returns
+ * 0, 5 NULL handle or handle address, 305 half-built handle.
  */
 NKW_PAL_API int32_t nkw_pal_mq_delete(mq_info **handle);
 /*

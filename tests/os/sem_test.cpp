@@ -22,7 +22,8 @@ namespace {
 struct Sem {
     sem_info *handle = nullptr;
     ~Sem() {
-        if (handle != nullptr) nkw_pal_sem_deinit(&handle);
+        if (handle != nullptr)
+            nkw_pal_sem_deinit(&handle);
     }
 };
 
@@ -60,9 +61,9 @@ TEST(SemInit, ArgumentChecksInOrder) {
     for (const Case &c : cases) {
         nkw::test::syslog_clear();
         sem_info *handle = nullptr;
-        int32_t status = nkw_pal_sem_init(c.with_out ? &handle : nullptr,
-                                          c.null_name ? nullptr : c.name.c_str(), c.max_value,
-                                          c.init_value);
+        int32_t status =
+            nkw_pal_sem_init(c.with_out ? &handle : nullptr, c.null_name ? nullptr : c.name.c_str(),
+                             c.max_value, c.init_value);
         EXPECT_EQ(c.status, status) << c.message;
         EXPECT_EQ(nullptr, handle);
         EXPECT_TRUE(syslog_contains(c.message)) << c.message;

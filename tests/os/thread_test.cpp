@@ -1,0 +1,127 @@
+// Threads: argument checks, creation with and without attributes, the
+// callback on a detached thread, cancellation on delete.
+#include <gtest/gtest.h>
+#include <pthread.h>
+#include <sched.h>
+
+#include <string>
+
+#include "nkw_pal.h"
+#include "os/os_test_util.h"
+
+using nkw::test::allocations_balanced;
+using nkw::test::Signal;
+using nkw::test::syslog_contains;
+
+namespace {
+
+thread_info *const kUntouched = reinterpret_cast<thread_info *>(0x1);
+
+// What the thread saw, reported once the creator lets it look.
+struct Probe {
+    Signal started, go, reported, ended;
+    pthread_t self = 0;
+    int detach_state = -1;
+    size_t stack_size = 0;
+};
+
+// Ends only by cancellation, which the destructor reports.
+void *probe_thread(void *arg) {
+    auto *probe = static_cast<Probe *>(arg);
+    struct OnEnd {
+        Probe *probe;
+        ~OnEnd() { probe->ended.post(); }
+    } on_end{probe};
+    probe->self = pthread_self();
+    probe->started.post();
+    probe->go.wait_for(1);  // the creator has returned, detach included
+    pthread_attr_t attributes;
+    pthread_getattr_np(pthread_self(), &attributes);
+    pthread_attr_getdetachstate(&attributes, &probe->detach_state);
+    pthread_attr_getstacksize(&attributes, &probe->stack_size);
+    pthread_attr_destroy(&attributes);
+    probe->reported.post();
+    // Wait for the cancellation outside any blocking call: ThreadSanitizer
+    // loses track of a thread cancelled inside one of its intercepted calls.
+    for (;;) {
+        pthread_testcancel();
+        sched_yield();
+    }
+}
+
+TEST(ThreadCreate, RefusedArgumentsLeaveTheHandleAndAllocateNothing) {
+    const std::string name129(129, 'n');
+    const thread_attr small_stacks[] = {{1, 0}, {1, 16383}};
+    struct Case {
+        bool with_out;
+        const char *name;
+        const thread_attr *attr;
+        int32_t status;
+        const char *message;
+    } cases[] = {
+        {false, "t", nullptr, 7, "the th or name or attr is NULL! \n"},
+        {true, nullptr, nullptr, 7, "the th or name or attr is NULL! \n"},
+        {true, name129.c_str(), nullptr, 22, "the name is too long! \n"},
+        {true, "t", &small_stacks[0], -1, "t thread create failed ret: 505  \n"},
+        {true, "t", &small_stacks[1], -1, "t thread create failed ret: 505  \n"},
+    };
+    for (const Case &c : cases) {
+        nkw::test::syslog_clear();
+        thread_info *handle = kUntouched;
+        EXPECT_EQ(c.status, nkw_pal_thread_create(c.with_out ? &handle : nullptr, c.name, c.attr,
+                                                  probe_thread, nullptr));
+        EXPECT_EQ(kUntouched, handle);
+        EXPECT_TRUE(syslog_contains(c.message)) << c.message;
+        EXPECT_TRUE(allocations_balanced()) << c.message;
+    }
+}
+
+TEST(ThreadLifecycle, RunsDetachedUntilDeleteCancelsIt) {
+    ASSERT_EQ(0, nkw_pal_log_set_level(NKW_PAL_LOG_DEBUG));
+    const std::string name128(128, 'n');
+    const thread_attr priority0{0, 16384}, priority100{100, 262144};
+    struct Case {
+        const char *name;
+        const thread_attr *attr;
+        size_t least_stack;
+    } cases[] = {
+        {"plain", nullptr, 0}, {"p0", &priority0, 16384}, {name128.c_str(), &priority100, 262144}};
+    for (const Case &c : cases) {
+        nkw::test::syslog_clear();
+        Probe probe;
+        thread_info *handle = nullptr;
+        ASSERT_EQ(0, nkw_pal_thread_create(&handle, c.name, c.attr, probe_thread, &probe));
+        ASSERT_TRUE(probe.started.wait_for(1));
+        EXPECT_TRUE(syslog_contains(std::string(c.name) + " thread create success"));
+        // The priority is never applied: the default policy skips it.
+        EXPECT_EQ(c.attr != nullptr,
+                  syslog_contains("The current scheduling policy does not support priority"));
+        EXPECT_TRUE(pthread_equal(probe.self, nkw_pal_thread_id(handle)));
+        probe.go.post();
+        ASSERT_TRUE(probe.reported.wait_for(1));
+        EXPECT_EQ(PTHREAD_CREATE_DETACHED, probe.detach_state) << c.name;
+        EXPECT_GE(probe.stack_size, c.least_stack) << c.name;
+
+        ASSERT_EQ(0, nkw_pal_thread_delete(&handle));
+        EXPECT_EQ(nullptr, handle);
+        EXPECT_TRUE(probe.ended.wait_for(1)) << "not cancelled: " << c.name;
+        EXPECT_TRUE(allocations_balanced());
+    }
+}
+
+TEST(ThreadDelete, NullHandleOrAddressIsRefused) {
+    thread_info *handle = nullptr;
+    EXPECT_EQ(7, nkw_pal_thread_delete(&handle));
+    EXPECT_EQ(7, nkw_pal_thread_delete(nullptr));
+    EXPECT_TRUE(syslog_contains("th is incorrect \n"));
+    EXPECT_EQ(0u, nkw_pal_thread_id(nullptr));
+    EXPECT_TRUE(syslog_contains("the th is NULL \n"));
+}
+
+TEST(ThreadControl, SuspendAndResumeAreNotImplemented) {
+    EXPECT_EQ(10, nkw_pal_thread_suspend(nullptr));
+    EXPECT_EQ(10, nkw_pal_thread_resume(nullptr));
+    EXPECT_EQ(0, nkw_pal_thread_msleep(0));
+}
+
+}  // namespace

@@ -9,7 +9,7 @@
 #include <cstdint>
 #include <cstring>
 
-#include "nkw_pal/diag.h"
+#include "diag/log.h"
 #include "nkw_pal/os.h"
 
 namespace nkw {
@@ -25,8 +25,10 @@ class HeapRecord {
                                int line = __builtin_LINE()) {
         HeapRecord record(function, line);
         record.block_ = static_cast<T *>(nkw_pal_malloc(size));
-        nkw_pal_logi("MEM", "[%s:%d]-malloc %p %d\n", function, line,
-                     static_cast<void *>(record.block_), static_cast<int>(size));
+        if (diag::enabled(NKW_PAL_LOG_INFO)) {
+            nkw_pal_logi("MEM", "[%s:%d]-malloc %p %d\n", function, line,
+                         static_cast<void *>(record.block_), static_cast<int>(size));
+        }
         if (record.block_ != nullptr && zeroed) std::memset(record.block_, 0, size);
         return record;
     }
@@ -65,7 +67,9 @@ class HeapRecord {
     // Frees now, where the order of log lines matters.
     void reset() {
         if (block_ == nullptr) return;
-        nkw_pal_logi("MEM", "[%s:%d]-free %p\n", function_, line_, static_cast<void *>(block_));
+        if (diag::enabled(NKW_PAL_LOG_INFO)) {
+            nkw_pal_logi("MEM", "[%s:%d]-free %p\n", function_, line_, static_cast<void *>(block_));
+        }
         nkw_pal_free(block_);
         block_ = nullptr;
     }

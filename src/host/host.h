@@ -30,7 +30,7 @@ class Path {
 
    private:
     const char *text_;
-    char relocated_[kPathMax];
+    [[maybe_unused]] char relocated_[kPathMax];  // used by the test build only
 };
 
 // Runs one command line through the system shell; returns system()'s result.

@@ -6,6 +6,130 @@
 
 NKW_PAL_BEGIN_DECLS
 
+/* Values of the record's `type`. */
+enum { NKW_PAL_SMS_TYPE_DELIVER = 0, NKW_PAL_SMS_TYPE_SUBMIT = 1 };
+
+/* Bits OR-ed into the record's `flags`. */
+enum {
+    NKW_PAL_SMS_GSM_FLAG_DELIVER = 3,     /* a GSM DELIVER was decoded */
+    NKW_PAL_SMS_GSM_FLAG_SUBMIT = 4,      /* a GSM SUBMIT was decoded */
+    NKW_PAL_SMS_CDMA_FLAG_ORIGINATOR = 1, /* CDMA: the originating address was decoded */
+    NKW_PAL_SMS_CDMA_FLAG_DESTINATION = 4 /* CDMA: the destination address was decoded */
+};
+
+/* Field sizes of the decoded record. */
+enum {
+    NKW_PAL_SMS_ADDRESS_SIZE = 18,   /* no terminator when all 18 bytes are used */
+    NKW_PAL_SMS_TIMESTAMP_SIZE = 21, /* never filled: always empty */
+    NKW_PAL_SMS_DATA_SIZE = 161,
+    NKW_PAL_SMS_DECODED_SIZE = 212,
+    /* Bytes the GSM decoder may read from its input, whatever the PDU says. */
+    NKW_PAL_SMS_GSM_PDU_BUFFER_SIZE = 256
+};
+
+/*
+ * A DELIVER as the decoders lay it out. `data` holds 8-bit text (the GSM 7-bit
+ * alphabet converted to ISO 8859-1), or the raw octets of 8-bit and UCS2 user
+ * data; it is NUL-terminated only when shorter than 161 bytes.
+ */
+typedef struct sms_deliver_msg {
+    uint32_t type;
+    uint32_t flags;
+    char address[18];
+    char timestamp[21];
+    char data[161];
+    uint32_t dataLen;
+} sms_deliver_msg;
+
+/*
+ * A SUBMIT: `data` starts where a DELIVER's timestamp starts, and its length
+ * lies 20 bytes before a DELIVER's `dataLen`. The tail stays zero.
+ */
+typedef struct sms_submit_msg {
+    uint32_t type;
+    uint32_t flags;
+    char address[18];
+    char data[161];
+    uint32_t dataLen;
+    uint8_t reserved[20];
+} sms_submit_msg;
+
+/*
+ * The 212-byte decoded record. `type`, `flags` and `address` read the same
+ * through either member; read `data`/`dataLen` through the member that
+ * `type` names, with one exception: a GSM 7-bit message with a user-data
+ * header (a concatenated part) is written in the DELIVER layout for both
+ * types.
+ */
+typedef union sms_decoded_msg {
+    sms_deliver_msg deliver;
+    sms_submit_msg submit;
+} sms_decoded_msg;
+
+#ifdef __cplusplus
+static_assert(sizeof(sms_decoded_msg) == 212, "decoded SMS record is 212 bytes");
+static_assert(offsetof(sms_deliver_msg, flags) == 4, "flags at 4");
+static_assert(offsetof(sms_deliver_msg, address) == 8, "address at 8");
+static_assert(offsetof(sms_deliver_msg, timestamp) == 26, "DELIVER timestamp at 26");
+static_assert(offsetof(sms_deliver_msg, data) == 47, "DELIVER data at 47");
+static_assert(offsetof(sms_deliver_msg, dataLen) == 208, "DELIVER dataLen at 208");
+static_assert(offsetof(sms_submit_msg, address) == 8, "address at 8");
+static_assert(offsetof(sms_submit_msg, data) == 26, "SUBMIT data at 26");
+static_assert(offsetof(sms_submit_msg, dataLen) == 188, "SUBMIT dataLen at 188");
+static_assert(sizeof(sms_submit_msg) == 212, "SUBMIT layout fills the record");
+#else
+_Static_assert(sizeof(sms_decoded_msg) == 212, "decoded SMS record is 212 bytes");
+_Static_assert(offsetof(sms_deliver_msg, flags) == 4, "flags at 4");
+_Static_assert(offsetof(sms_deliver_msg, address) == 8, "address at 8");
+_Static_assert(offsetof(sms_deliver_msg, timestamp) == 26, "DELIVER timestamp at 26");
+_Static_assert(offsetof(sms_deliver_msg, data) == 47, "DELIVER data at 47");
+_Static_assert(offsetof(sms_deliver_msg, dataLen) == 208, "DELIVER dataLen at 208");
+_Static_assert(offsetof(sms_submit_msg, address) == 8, "address at 8");
+_Static_assert(offsetof(sms_submit_msg, data) == 26, "SUBMIT data at 26");
+_Static_assert(offsetof(sms_submit_msg, dataLen) == 188, "SUBMIT dataLen at 188");
+_Static_assert(sizeof(sms_submit_msg) == 212, "SUBMIT layout fills the record");
+#endif
+
+/*
+ * Decodes one stored GSM message: octet 0 is the SMSC address length L,
+ * octets 1..L the SMSC address, octet L+1 the first octet of the TPDU
+ * (DELIVER or SUBMIT). `msg` is zeroed first and filled with type, flags,
+ * address and user data.
+ *
+ * Input size: positions inside the PDU are 8-bit and wrap, so the decoder
+ * reads only octets 0..255 of `pdu`, but it may read any of them when the
+ * PDU's own lengths point there. Pass a buffer of
+ * NKW_PAL_SMS_GSM_PDU_BUFFER_SIZE (256) readable bytes, zero-filled behind
+ * the PDU.
+ *
+ * Concatenated parts (a user-data header) are tracked in process-wide state
+ * that is not locked: decode one message at a time. `msg` always receives
+ * the current part's text alone.
+ *
+ * Returns 0 decoded; -1 when the message cannot be decoded (status report or
+ * command, unsupported coding, empty or oversized user data, NULL argument);
+ * `msg` may then hold type and address.
+ */
+NKW_PAL_API int32_t DecodeGsmPdu(const uint8_t *pdu, sms_decoded_msg *msg);
+
+/* WAP push messages are not decoded: always returns -1. */
+NKW_PAL_API int32_t DecodeGsmPdu_WAP(const uint8_t *pdu, sms_decoded_msg *msg);
+
+/*
+ * Decodes one CDMA transport-layer message of `length` bytes (the message
+ * type octet followed by its parameters). Only those `length` bytes are
+ * read. On success `msg` is zeroed and filled: a deliver gets type 0, the
+ * originating address and the DELIVER data; a submit type 1, the destination
+ * address and the SUBMIT data. 7-bit ASCII text is unpacked to one character
+ * a byte, Unicode and octet data are copied as octets.
+ *
+ * Returns 0 decoded; -1 when the message has no bearer data, no message
+ * identifier or no usable user data, is of another message type, when its
+ * parameter lengths run past `length`, or for a NULL argument. `msg` is left
+ * untouched unless bearer data and a message identifier were found.
+ */
+NKW_PAL_API int32_t DecodeCdmaPdu(const uint8_t *pdu, uint8_t length, sms_decoded_msg *msg);
+
 NKW_PAL_END_DECLS
 
 #endif /* NKW_PAL_SMS_H */

@@ -82,22 +82,19 @@ TEST(LogLine, TagIsRightAlignedInEightColumnsAndNeverCut) {
     }
 }
 
-TEST(LogLine, LongMessageIsCutLeavingThreeBytesOfTheLineUnused) {
-    std::string text(3000, 'a');
-    nkw_pal_logi("MEM", "%s", text.c_str());
-    auto records = syslog_records();
-    ASSERT_EQ(1u, records.size());
-    // "-" + 1020 characters of line + "\n"
-    EXPECT_EQ(1u + 1020u + 1u, records[0].text.size());
-    EXPECT_EQ("-[     MEM] aaa", records[0].text.substr(0, 15));
-}
-
-TEST(LogLine, OverlongTagStillLeavesThreeBytesUnused) {
-    std::string tag(2000, 'T');
-    nkw_pal_logi(tag.c_str(), "never shown");
-    auto records = syslog_records();
-    ASSERT_EQ(1u, records.size());
-    EXPECT_EQ(1u + 1020u + 1u, records[0].text.size());
+TEST(LogLine, OverlongTextOrTagIsCutLeavingThreeBytesOfTheLineUnused) {
+    const std::string long_text(3000, 'a');
+    const std::string long_tag(2000, 'T');
+    const std::pair<const char *, const char *> cases[] = {{"MEM", long_text.c_str()},
+                                                           {long_tag.c_str(), "never shown"}};
+    for (const auto &[tag, text] : cases) {
+        nkw::test::syslog_clear();
+        nkw_pal_logi(tag, "%s", text);
+        auto records = syslog_records();
+        ASSERT_EQ(1u, records.size());
+        // "-" + 1020 characters of line + "\n"
+        EXPECT_EQ(1u + 1020u + 1u, records[0].text.size());
+    }
 }
 
 TEST(ResultCodes, FoldIntoZeroOrOne) {

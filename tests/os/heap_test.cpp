@@ -67,16 +67,6 @@ TEST(HeapRealloc, ShrinkingToZeroLogsNoErrorWhateverTheLibraryReturns) {
     EXPECT_EQ(1u, syslog_matching("realloc: " + pointer_text(result) + " 0 \n").size());
 }
 
-TEST(HeapRealloc, NullPointerWithSizeAllocatesAndGrowingKeepsContents) {
-    char *block = static_cast<char *>(nkw_pal_realloc(nullptr, 4));
-    ASSERT_NE(nullptr, block);
-    block[0] = 'k';
-    block = static_cast<char *>(nkw_pal_realloc(block, 4096));
-    ASSERT_NE(nullptr, block);
-    EXPECT_EQ('k', block[0]);
-    nkw_pal_free(block);
-}
-
 TEST(HeapTrace, DebugLevelTracesEveryAllocationAndFree) {
     ASSERT_EQ(0, nkw_pal_log_set_level(NKW_PAL_LOG_DEBUG));
     nkw::test::syslog_clear();

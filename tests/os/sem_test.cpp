@@ -124,16 +124,6 @@ TEST(SemWait, DeadlineWhoseNanosecondsOverflowFailsAtOnce) {
     EXPECT_TRUE(syslog_contains("failed cause: 22 "));  // EINVAL
 }
 
-TEST(SemWait, TimedWaitIsReleasedByAPost) {
-    Sem sem;
-    ASSERT_EQ(0, nkw_pal_sem_init(&sem.handle, Sandbox::unique_name("r").c_str(), 1, 0));
-    wait_for_nanoseconds([](long ns) { return ns < 400000000L; });
-    std::thread poster([&] { nkw_pal_sem_post(sem.handle); });
-    uint32_t ms = 500;
-    EXPECT_EQ(0, nkw_pal_sem_wait(sem.handle, &ms));
-    poster.join();
-}
-
 TEST(SemPost, PostAtTheMaximumCountGives103) {
     Sem sem;
     ASSERT_EQ(0, nkw_pal_sem_init(&sem.handle, Sandbox::unique_name("m").c_str(), SEM_VALUE_MAX,

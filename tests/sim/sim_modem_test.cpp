@@ -48,27 +48,6 @@ TEST(SimAt, AsyncCompletionArrivesLaterOnTheDispatcher) {
     EXPECT_EQ(1, completions.load());
 }
 
-TEST(SimAt, LongestPrefixWinsAndFaultsApplyOnce) {
-    mipc_sim::set_at_reply("AT+C", 0, "generic");
-    mipc_sim::set_at_reply("AT+CIMI", 0, "460001234567890");
-    mipc_sys_at_struct record{};
-    ASSERT_EQ(MIPC_RESULT_SUCCESS, mipc_sys_at_sync(MIPC_PS_ALL, &record, "AT+CIMI"));
-    EXPECT_STREQ("460001234567890", record.atcmd_res_ptr);
-
-    mipc_sim::fail_next("mipc_sys_at_sync", mipc_sim::result_code(4));
-    ASSERT_EQ(MIPC_RESULT_SUCCESS, mipc_sys_at_sync(MIPC_PS_ALL, &record, "AT+CGMR"));
-    EXPECT_EQ(4u, record.result_code);
-    mipc_sim::fail_next("mipc_sys_at_sync", mipc_sim::return_value(MIPC_RESULT_TIMEOUT));
-    EXPECT_EQ(MIPC_RESULT_TIMEOUT, mipc_sys_at_sync(MIPC_PS_ALL, &record, "AT"));
-    EXPECT_EQ(MIPC_RESULT_SUCCESS, mipc_sys_at_sync(MIPC_PS_ALL, &record, "AT"));
-    EXPECT_STREQ("OK", record.atcmd_res_ptr);
-
-    auto calls = mipc_sim::calls_to("mipc_sys_at_sync");
-    ASSERT_EQ(4u, calls.size());
-    EXPECT_EQ("AT+CGMR", calls[1].text);
-    EXPECT_EQ(MIPC_PS_ALL, calls[1].ps_id);
-}
-
 TEST(SimRequests, ConfirmationsAreScriptedAndCanBeWithheld) {
     mipc_sim::on_request(77, [](const mipc_sim::Call &) {
         return std::vector<mipc_sim::Tlv>{mipc_sim::tlv_u32(0, 0), mipc_sim::tlv_u32(257, 9)};

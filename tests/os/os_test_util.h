@@ -1,11 +1,10 @@
 // Helpers shared by the OS service tests: a counting signal that library
-// threads and timer callbacks post, and syslog line counting.
+// threads and timer callbacks post, and the heap balance seen in the log.
 #pragma once
 
 #include <chrono>
 #include <condition_variable>
 #include <mutex>
-#include <string>
 
 #include "support/syslog_capture.h"
 
@@ -41,13 +40,9 @@ class Signal {
     int count_ = 0;
 };
 
-inline size_t syslog_count(const std::string &needle) {
-    return syslog_matching(needle).size();
-}
-
 // Every block allocated at a call site was freed again.
 inline bool allocations_balanced() {
-    return syslog_count("]-malloc 0x") == syslog_count("]-free 0x");
+    return syslog_matching("]-malloc 0x").size() == syslog_matching("]-free 0x").size();
 }
 
 }  // namespace nkw::test

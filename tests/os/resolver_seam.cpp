@@ -3,128 +3,66 @@
 #include <arpa/inet.h>
 #include <dlfcn.h>
 #include <netinet/in.h>
-#include <sys/un.h>
 
-#include <cstring>
-#include <mutex>
+nkw::test::ResolverSeam nkw::test::resolver_seam;
 
-namespace nkw::test {
 namespace {
 
-constexpr const char *kSeamSuffix = ".seam.test";
+char kSeamMarker[] = "seam";  // in ai_canonname: the seam built this list
 
-struct Seam {
-    std::mutex lock;
-    std::vector<SeamAddress> results;
-    int error = 0;
-    addrinfo hints{};
-    std::string service;
-    std::vector<addrinfo *> handed_out;  // lists freeaddrinfo must free here
-};
-
-Seam &seam() {
-    static Seam instance;
-    return instance;
-}
-
-bool is_seam_name(const char *host) {
-    size_t length = host != nullptr ? std::strlen(host) : 0;
-    size_t suffix = std::strlen(kSeamSuffix);
-    return length > suffix && std::strcmp(host + length - suffix, kSeamSuffix) == 0;
-}
-
-// One result node holding its own socket address; freed by the seam.
+// One result node holding its own socket address.
 struct Node {
     addrinfo info;
-    sockaddr_storage address;
+    sockaddr_in6 address;  // large enough for either family
 };
 
-addrinfo *build(const SeamAddress &a) {
+addrinfo *build(const nkw::test::SeamAddress &a) {
     auto *node = new Node{};
     node->info.ai_family = a.family;
+    node->info.ai_canonname = kSeamMarker;
     node->info.ai_addr = reinterpret_cast<sockaddr *>(&node->address);
-    if (a.family == AF_INET6) {
-        auto *in6 = reinterpret_cast<sockaddr_in6 *>(&node->address);
-        in6->sin6_family = AF_INET6;
-        in6->sin6_port = htons(a.port);
-        inet_pton(AF_INET6, a.text.c_str(), &in6->sin6_addr);
-        node->info.ai_addrlen = sizeof *in6;
-    } else if (a.family == AF_INET) {
-        auto *in = reinterpret_cast<sockaddr_in *>(&node->address);
-        in->sin_family = AF_INET;
-        in->sin_port = htons(a.port);
-        inet_pton(AF_INET, a.text.c_str(), &in->sin_addr);
-        node->info.ai_addrlen = sizeof *in;
-    } else {
-        node->address.ss_family = static_cast<sa_family_t>(a.family);
-        node->info.ai_addrlen = sizeof(sockaddr_un);
-    }
+    node->info.ai_addrlen = a.family == AF_INET6 ? sizeof(sockaddr_in6) : sizeof(sockaddr_in);
+    node->address.sin6_family = static_cast<sa_family_t>(a.family);
+    node->address.sin6_port = htons(a.port);  // at the same offset as sin_port
+    auto *in = reinterpret_cast<sockaddr_in *>(&node->address);
+    inet_pton(a.family, a.text,
+              a.family == AF_INET6 ? static_cast<void *>(&node->address.sin6_addr)
+                                   : &in->sin_addr);  // other families: no-op
     return &node->info;
 }
 
 }  // namespace
 
-void set_resolver_answer(std::vector<SeamAddress> results, int error) {
-    std::lock_guard<std::mutex> guard(seam().lock);
-    seam().results = std::move(results);
-    seam().error = error;
-}
-
-addrinfo last_resolver_hints() {
-    std::lock_guard<std::mutex> guard(seam().lock);
-    return seam().hints;
-}
-
-std::string last_resolver_service() {
-    std::lock_guard<std::mutex> guard(seam().lock);
-    return seam().service;
-}
-
-}  // namespace nkw::test
-
 extern "C" {
 
 int getaddrinfo(const char *host, const char *service, const addrinfo *hints, addrinfo **out) {
-    using nkw::test::seam;
-    if (!nkw::test::is_seam_name(host)) {
+    auto &seam = nkw::test::resolver_seam;
+    if (!seam.armed) {
         using Real = int (*)(const char *, const char *, const addrinfo *, addrinfo **);
         return reinterpret_cast<Real>(dlsym(RTLD_NEXT, "getaddrinfo"))(host, service, hints, out);
     }
-    std::lock_guard<std::mutex> guard(seam().lock);
-    seam().hints = hints != nullptr ? *hints : addrinfo{};
-    seam().service = service != nullptr ? service : "(none)";
+    seam.hints = *hints;
+    seam.service = service != nullptr ? service : "(none)";
     *out = nullptr;
-    if (seam().error != 0)
-        return seam().error;
-    addrinfo **tail = out;
-    for (const nkw::test::SeamAddress &a : seam().results) {
-        *tail = nkw::test::build(a);
-        tail = &(*tail)->ai_next;
+    if (seam.error != 0) return seam.error;
+    for (auto it = seam.results.rbegin(); it != seam.results.rend(); ++it) {
+        addrinfo *node = build(*it);
+        node->ai_next = *out;
+        *out = node;
     }
-    if (*out != nullptr)
-        seam().handed_out.push_back(*out);
     return 0;
 }
 
 void freeaddrinfo(addrinfo *list) {
-    using nkw::test::seam;
-    {
-        std::lock_guard<std::mutex> guard(seam().lock);
-        auto &lists = seam().handed_out;
-        for (auto it = lists.begin(); it != lists.end(); ++it) {
-            if (*it != list)
-                continue;
-            lists.erase(it);
-            while (list != nullptr) {
-                addrinfo *next = list->ai_next;
-                delete reinterpret_cast<nkw::test::Node *>(list);
-                list = next;
-            }
-            return;
-        }
+    if (list == nullptr || list->ai_canonname != kSeamMarker) {
+        using Real = void (*)(addrinfo *);
+        return reinterpret_cast<Real>(dlsym(RTLD_NEXT, "freeaddrinfo"))(list);
     }
-    using Real = void (*)(addrinfo *);
-    reinterpret_cast<Real>(dlsym(RTLD_NEXT, "freeaddrinfo"))(list);
+    while (list != nullptr) {
+        addrinfo *next = list->ai_next;
+        delete reinterpret_cast<Node *>(list);
+        list = next;
+    }
 }
 
 }  // extern "C"

@@ -7,25 +7,17 @@
 #include <signal.h>
 #include <time.h>
 
-#include <vector>
-
 namespace nkw::test {
 
-struct TimerCreateCall {
-    clockid_t clock;
-    int notify;
-    void *value;
-    void (*function)(sigval);
-    void *attributes;
+// Touched only from the test's own thread (callbacks never create or arm).
+struct TimerSeam {
+    bool substitute_clock = false;  // the alarm clock becomes CLOCK_BOOTTIME
+    int fail_next_create = 0;       // errno for the next timer_create, which fails
+    int creates = 0;
+    clockid_t clock = -1;  // of the last timer_create
+    sigevent event{};
+    itimerspec setting{};  // of the last timer_settime
 };
-
-// Until the end of the test: the alarm clock becomes CLOCK_BOOTTIME.
-void substitute_timer_clock();
-// The next timer_create fails with `error` without reaching the C library.
-void fail_next_timer_create(int error);
-
-std::vector<TimerCreateCall> timer_create_calls();
-std::vector<itimerspec> timer_settime_calls();
-void reset_timer_seam();
+extern TimerSeam timer_seam;
 
 }  // namespace nkw::test

@@ -94,8 +94,7 @@ void BM_DecodeMixed(benchmark::State &state) {
             failures += DecodeCdmaPdu(pdu.data(), static_cast<uint8_t>(pdu.size()), &msg) != 0;
         benchmark::DoNotOptimize(msg);
     }
-    if (failures != 0)
-        state.SkipWithError("a benchmark PDU failed to decode");
+    if (failures != 0) state.SkipWithError("a benchmark PDU failed to decode");
     state.SetItemsProcessed(state.iterations() *
                             static_cast<int64_t>(corpus.gsm.size() + corpus.cdma.size()));
 }

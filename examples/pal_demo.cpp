@@ -55,8 +55,8 @@ int main() {
     mipc_msg_register_cmd_api(kDemoCommandId, on_demo_command, 0, nullptr);
 
     // The simulated modem forwards a command to us, as the real one would.
-    int handled = mipc_sim::deliver_command(kDemoCommandId,
-                                            {mipc_sim::tlv_text(kParamTlv, "AT+DEMO=42")});
+    int handled =
+        mipc_sim::deliver_command(kDemoCommandId, {mipc_sim::tlv_text(kParamTlv, "AT+DEMO=42")});
     std::printf("pal_demo: handler returned %d, replies sent: %zu\n", handled,
                 mipc_sim::replies().size());
 

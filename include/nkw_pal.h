@@ -10,11 +10,11 @@
 #ifndef NKW_PAL_H
 #define NKW_PAL_H
 
+#include "nkw_pal/codec.h"
 #include "nkw_pal/common.h"
 #include "nkw_pal/diag.h"
-#include "nkw_pal/os.h"
-#include "nkw_pal/codec.h"
 #include "nkw_pal/modem.h"
+#include "nkw_pal/os.h"
 #include "nkw_pal/sms.h"
 
 #endif /* NKW_PAL_H */

@@ -26,13 +26,13 @@
  */
 enum {
     NKW_PAL_OK = 0,
-    NKW_PAL_FAIL = -1,                 /* system or modem call failed, or non-zero result code */
-    NKW_PAL_NO_MEMORY = 3,             /* allocation failed */
-    NKW_PAL_BAD_MESSAGE = 5,           /* modem message not built; bad argument in some OS calls */
-    NKW_PAL_INVALID_ARG = 7,           /* invalid argument or null output pointer */
-    NKW_PAL_AT_RESULT_ERROR = 1107,    /* modem answered an AT command with an error */
-    NKW_PAL_AT_RESPONSE_ERROR = 1109,  /* AT response empty or did not fit */
-    NKW_PAL_BUFFER_TOO_SMALL = 1602    /* caller's output buffer missing or too small */
+    NKW_PAL_FAIL = -1,                /* system or modem call failed, or non-zero result code */
+    NKW_PAL_NO_MEMORY = 3,            /* allocation failed */
+    NKW_PAL_BAD_MESSAGE = 5,          /* modem message not built; bad argument in some OS calls */
+    NKW_PAL_INVALID_ARG = 7,          /* invalid argument or null output pointer */
+    NKW_PAL_AT_RESULT_ERROR = 1107,   /* modem answered an AT command with an error */
+    NKW_PAL_AT_RESPONSE_ERROR = 1109, /* AT response empty or did not fit */
+    NKW_PAL_BUFFER_TOO_SMALL = 1602   /* caller's output buffer missing or too small */
 };
 
 #endif /* NKW_PAL_COMMON_H */

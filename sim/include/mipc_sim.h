@@ -33,12 +33,12 @@ Tlv tlv_bytes(uint16_t type, const void *data, size_t size);
 
 // One call the simulated modem received.
 struct Call {
-    std::string function;  // e.g. "mipc_sys_at_sync"
-    int ps_id = -1;        // protocol-stack id, -1 where the call has none
-    uint32_t msg_id = 0;   // message id, where the call has one
-    std::string text;      // AT command or other text argument
-    int64_t arg = 0;       // the call's other number: TLV type asked for, flags
-    std::vector<Tlv> tlvs; // TLVs of the message sent (requests, replies)
+    std::string function;   // e.g. "mipc_sys_at_sync"
+    int ps_id = -1;         // protocol-stack id, -1 where the call has none
+    uint32_t msg_id = 0;    // message id, where the call has one
+    std::string text;       // AT command or other text argument
+    int64_t arg = 0;        // the call's other number: TLV type asked for, flags
+    std::vector<Tlv> tlvs;  // TLVs of the message sent (requests, replies)
 };
 
 // Forgets every registration, script, fault, journal entry and message, and

@@ -26,7 +26,8 @@ Reply reply_for(const std::string &command) {
     const Reply *best = nullptr;
     size_t best_len = 0;
     for (const auto &[prefix, reply] : scripts()) {
-        if (command.compare(0, prefix.size(), prefix) == 0 && (!best || prefix.size() >= best_len)) {
+        if (command.compare(0, prefix.size(), prefix) == 0 &&
+            (!best || prefix.size() >= best_len)) {
             best = &reply;
             best_len = prefix.size();
         }

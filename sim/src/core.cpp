@@ -58,7 +58,9 @@ bool take_fault(const char *function, Fault *fault) {
     return true;
 }
 
-ResetHook::ResetHook(void (*clear)()) { reset_hooks().push_back(clear); }
+ResetHook::ResetHook(void (*clear)()) {
+    reset_hooks().push_back(clear);
+}
 
 mipc_msg_t *new_message(uint16_t msg_id, mipc_sim_ps_id_enum ps_id) {
     {
@@ -79,12 +81,18 @@ void delete_message(mipc_msg_t *msg) {
 
 }  // namespace core
 
-Tlv tlv_u8(uint16_t type, uint8_t value) { return make_tlv(type, &value, sizeof value); }
-Tlv tlv_u32(uint16_t type, uint32_t value) { return make_tlv(type, &value, sizeof value); }
+Tlv tlv_u8(uint16_t type, uint8_t value) {
+    return make_tlv(type, &value, sizeof value);
+}
+Tlv tlv_u32(uint16_t type, uint32_t value) {
+    return make_tlv(type, &value, sizeof value);
+}
 Tlv tlv_text(uint16_t type, const std::string &text, bool with_nul) {
     return make_tlv(type, text.c_str(), text.size() + (with_nul ? 1 : 0));
 }
-Tlv tlv_bytes(uint16_t type, const void *data, size_t size) { return make_tlv(type, data, size); }
+Tlv tlv_bytes(uint16_t type, const void *data, size_t size) {
+    return make_tlv(type, data, size);
+}
 
 void reset() {
     drain();
@@ -117,9 +125,15 @@ void fail_next(const std::string &function, Fault fault) {
     state().faults[function].push_back(fault);
 }
 
-Fault return_value(uint32_t value) { return {Fault::Kind::kReturn, value}; }
-Fault result_code(uint32_t code) { return {Fault::Kind::kResultCode, code}; }
-Fault no_confirmation() { return {Fault::Kind::kNoConfirmation, 0}; }
+Fault return_value(uint32_t value) {
+    return {Fault::Kind::kReturn, value};
+}
+Fault result_code(uint32_t code) {
+    return {Fault::Kind::kResultCode, code};
+}
+Fault no_confirmation() {
+    return {Fault::Kind::kNoConfirmation, 0};
+}
 
 int live_messages() {
     std::lock_guard<std::mutex> guard(core::state_lock());

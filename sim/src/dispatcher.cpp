@@ -70,12 +70,18 @@ Dispatcher &dispatcher() {
 
 }  // namespace
 
-void post(std::function<void()> work) { dispatcher().post(std::move(work)); }
+void post(std::function<void()> work) {
+    dispatcher().post(std::move(work));
+}
 
-void drain() { dispatcher().drain(); }
+void drain() {
+    dispatcher().drain();
+}
 
 namespace core {
-bool on_dispatcher_thread() { return dispatcher().on_dispatcher(); }
+bool on_dispatcher_thread() {
+    return dispatcher().on_dispatcher();
+}
 }  // namespace core
 
 }  // namespace mipc_sim

@@ -73,8 +73,12 @@ mipc_result_enum mipc_msg_register_ind_api(mipc_sim_ps_id_enum sim_ps_id, uint32
 }
 
 mipc_result_enum mipc_msg_rsp(mipc_msg_t *msg_rsp_ptr) {
-    Call call{"mipc_msg_rsp", msg_rsp_ptr ? msg_rsp_ptr->ps_id : -1,
-              msg_rsp_ptr ? msg_rsp_ptr->id : 0u, "", 0, core::tlvs_of(msg_rsp_ptr)};
+    Call call{"mipc_msg_rsp",
+              msg_rsp_ptr ? msg_rsp_ptr->ps_id : -1,
+              msg_rsp_ptr ? msg_rsp_ptr->id : 0u,
+              "",
+              0,
+              core::tlvs_of(msg_rsp_ptr)};
     core::record(call);
     Fault fault{};
     if (core::take_fault("mipc_msg_rsp", &fault)) return static_cast<mipc_result_enum>(fault.value);
@@ -97,7 +101,8 @@ int deliver_command(uint16_t msg_id, std::vector<Tlv> tlvs) {
         handler = found->second;
     }
     mipc_msg_t *msg = make_message(msg_id, MIPC_PS_ALL, std::move(tlvs));
-    int result = on_dispatcher_and_wait([&] { return static_cast<int>(handler.cb(msg, handler.priv)); });
+    int result =
+        on_dispatcher_and_wait([&] { return static_cast<int>(handler.cb(msg, handler.priv)); });
     core::delete_message(msg);
     return result;
 }

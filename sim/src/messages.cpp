@@ -15,15 +15,19 @@ mipc_msg_t *mipc_msg_init(uint16_t msg_id, mipc_sim_ps_id_enum sim_ps_id) {
 }
 
 void mipc_msg_deinit(mipc_msg_t *msg_ptr) {
-    core::record({"mipc_msg_deinit", msg_ptr ? msg_ptr->ps_id : -1, msg_ptr ? msg_ptr->id : 0u,
-                  "", 0, {}});
+    core::record(
+        {"mipc_msg_deinit", msg_ptr ? msg_ptr->ps_id : -1, msg_ptr ? msg_ptr->id : 0u, "", 0, {}});
     core::delete_message(msg_ptr);
 }
 
 mipc_result_enum mipc_msg_add_tlv(mipc_msg_t *msg_ptr, uint16_t type, uint16_t len,
                                   const void *val_ptr) {
-    core::record({"mipc_msg_add_tlv", msg_ptr ? msg_ptr->ps_id : -1, msg_ptr ? msg_ptr->id : 0u,
-                  "", type, {tlv_bytes(type, val_ptr, val_ptr ? len : 0)}});
+    core::record({"mipc_msg_add_tlv",
+                  msg_ptr ? msg_ptr->ps_id : -1,
+                  msg_ptr ? msg_ptr->id : 0u,
+                  "",
+                  type,
+                  {tlv_bytes(type, val_ptr, val_ptr ? len : 0)}});
     Fault fault{};
     if (core::take_fault("mipc_msg_add_tlv", &fault)) {
         return static_cast<mipc_result_enum>(fault.value);
@@ -34,8 +38,12 @@ mipc_result_enum mipc_msg_add_tlv(mipc_msg_t *msg_ptr, uint16_t type, uint16_t l
 }
 
 void *mipc_msg_get_val_ptr(mipc_msg_t *msg_ptr, uint16_t type, uint16_t *val_len_ptr) {
-    core::record({"mipc_msg_get_val_ptr", msg_ptr ? msg_ptr->ps_id : -1,
-                  msg_ptr ? msg_ptr->id : 0u, "", type, {}});
+    core::record({"mipc_msg_get_val_ptr",
+                  msg_ptr ? msg_ptr->ps_id : -1,
+                  msg_ptr ? msg_ptr->id : 0u,
+                  "",
+                  type,
+                  {}});
     if (msg_ptr == nullptr) return nullptr;
     for (Tlv &tlv : msg_ptr->tlvs) {
         if (tlv.type != type) continue;
@@ -47,8 +55,12 @@ void *mipc_msg_get_val_ptr(mipc_msg_t *msg_ptr, uint16_t type, uint16_t *val_len
 }
 
 mipc_msg_t *mipc_msg_copy_hdr(mipc_msg_t *msg_ptr) {
-    core::record({"mipc_msg_copy_hdr", msg_ptr ? msg_ptr->ps_id : -1, msg_ptr ? msg_ptr->id : 0u,
-                  "", 0, {}});
+    core::record({"mipc_msg_copy_hdr",
+                  msg_ptr ? msg_ptr->ps_id : -1,
+                  msg_ptr ? msg_ptr->id : 0u,
+                  "",
+                  0,
+                  {}});
     Fault fault{};
     if (core::take_fault("mipc_msg_copy_hdr", &fault) || msg_ptr == nullptr) return nullptr;
     return core::new_message(msg_ptr->id, msg_ptr->ps_id);

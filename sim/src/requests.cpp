@@ -19,8 +19,12 @@ const core::ResetHook kReset([] { confirmers().clear(); });
 }  // namespace
 
 extern "C" mipc_msg_t *mipc_msg_sync_timeout(mipc_msg_t *msg_req_ptr) {
-    Call request{"mipc_msg_sync_timeout", msg_req_ptr ? msg_req_ptr->ps_id : -1,
-                 msg_req_ptr ? msg_req_ptr->id : 0u, "", 0, core::tlvs_of(msg_req_ptr)};
+    Call request{"mipc_msg_sync_timeout",
+                 msg_req_ptr ? msg_req_ptr->ps_id : -1,
+                 msg_req_ptr ? msg_req_ptr->id : 0u,
+                 "",
+                 0,
+                 core::tlvs_of(msg_req_ptr)};
     core::record(request);
     Fault fault{};
     bool faulted = core::take_fault("mipc_msg_sync_timeout", &fault);

@@ -47,7 +47,9 @@ uint32_t nkw_pal_log_get_level(void) {
     return nkw::diag::g_log_level.load(std::memory_order_relaxed);
 }
 
-bool nkw_pal_log_should_log(uint32_t level) { return nkw_pal_log_get_level() >= level; }
+bool nkw_pal_log_should_log(uint32_t level) {
+    return nkw_pal_log_get_level() >= level;
+}
 
 int32_t nkw_pal_log(uint32_t level, const char *tag, const char *format, va_list args) {
     char line[kLineSize] = {};

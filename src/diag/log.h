@@ -16,10 +16,8 @@ inline bool enabled(uint32_t level) {
 }  // namespace nkw::diag
 
 // The format is a string literal; the prefix is pasted in front of it.
-#define NKW_LOG_AT(level, writer, tag, fmt, ...)                                   \
-    (nkw::diag::enabled(level) ? writer(tag, "[%s:%d]-" fmt, __func__, __LINE__, \
-                                        ##__VA_ARGS__)                             \
-                               : 0)
+#define NKW_LOG_AT(level, writer, tag, fmt, ...) \
+    (nkw::diag::enabled(level) ? writer(tag, "[%s:%d]-" fmt, __func__, __LINE__, ##__VA_ARGS__) : 0)
 #define NKW_LOGF(tag, fmt, ...) NKW_LOG_AT(NKW_PAL_LOG_FATAL, nkw_pal_logf, tag, fmt, ##__VA_ARGS__)
 #define NKW_LOGE(tag, fmt, ...) NKW_LOG_AT(NKW_PAL_LOG_ERROR, nkw_pal_loge, tag, fmt, ##__VA_ARGS__)
 #define NKW_LOGW(tag, fmt, ...) NKW_LOG_AT(NKW_PAL_LOG_WARN, nkw_pal_logw, tag, fmt, ##__VA_ARGS__)

@@ -7,6 +7,8 @@ namespace nkw::host {
 
 Path::Path(const char *fixed) : text_(fixed), relocated_{} {}
 
-int run_shell(const char *command_line) { return std::system(command_line); }
+int run_shell(const char *command_line) {
+    return std::system(command_line);
+}
 
 }  // namespace nkw::host

@@ -52,4 +52,6 @@ int run_shell(const char *command_line) {
 }  // namespace nkw::host
 
 // Lets the test suite prove it runs against this build.
-extern "C" NKW_PAL_API const char *nkw_pal_sandbox_root(void) { return sandbox_root(); }
+extern "C" NKW_PAL_API const char *nkw_pal_sandbox_root(void) {
+    return sandbox_root();
+}

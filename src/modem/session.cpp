@@ -4,8 +4,12 @@
 
 extern "C" {
 
-int32_t nkw_pal_modem_msg_init(const char *client_name) { return mipc_init(client_name); }
+int32_t nkw_pal_modem_msg_init(const char *client_name) {
+    return mipc_init(client_name);
+}
 
-int32_t nkw_pal_modem_msg_deinit(void) { return mipc_deinit(); }
+int32_t nkw_pal_modem_msg_deinit(void) {
+    return mipc_deinit();
+}
 
 }  // extern "C"

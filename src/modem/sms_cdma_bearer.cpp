@@ -44,8 +44,7 @@ constexpr SubparameterRule kSubparameters[] = {
 
 const SubparameterRule *find_rule(uint32_t id) {
     for (const SubparameterRule &rule : kSubparameters) {
-        if (rule.id == id)
-            return &rule;
+        if (rule.id == id) return &rule;
     }
     return nullptr;
 }

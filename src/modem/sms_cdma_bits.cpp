@@ -55,8 +55,7 @@ void BitWriter::WriteBits(uint32_t value, uint32_t bits) {
 void BitWriter::WritePadding() {
     // An octet of padding alone adds nothing, and after a full buffer it
     // would lie just past the end.
-    if (pending_bits_ == 0)
-        return;
+    if (pending_bits_ == 0) return;
     if (position_ >= capacity_) {
         NKW_LOGI(kTag, "Internal buffer overflow [%d] \n", static_cast<int>(capacity_));
     } else {

@@ -43,8 +43,7 @@ bool ReadParameterSubAddress(BitReader &reader, CdmaSubaddress &subaddress) {
 }
 
 bool has_length(uint32_t id, uint32_t length, uint32_t expected) {
-    if (length == expected)
-        return true;
+    if (length == expected) return true;
     NKW_LOGI(kTag, "%d: SMS message parameter length should be %d \n", static_cast<int>(id),
              static_cast<int>(expected));
     return false;
@@ -53,14 +52,12 @@ bool has_length(uint32_t id, uint32_t length, uint32_t expected) {
 void read_parameter(BitReader &reader, uint32_t id, uint32_t length, CdmaMessage &message) {
     switch (id) {
         case kTeleservice:
-            if (!has_length(id, length, 2))
-                return;
+            if (!has_length(id, length, 2)) return;
             message.teleservice_id = static_cast<uint16_t>(reader.read(16));
             message.parameter_mask |= kParamTeleservice;
             return;
         case kBroadcastCategory:
-            if (!has_length(id, length, 2))
-                return;
+            if (!has_length(id, length, 2)) return;
             message.broadcast_category = static_cast<uint16_t>(reader.read(16));
             message.parameter_mask |= kParamBroadcastCategory;
             return;
@@ -81,8 +78,7 @@ void read_parameter(BitReader &reader, uint32_t id, uint32_t length, CdmaMessage
                 message.parameter_mask |= kParamDestinationSubaddress;
             return;
         case kBearerReplyOption:
-            if (!has_length(id, length, 1))
-                return;
+            if (!has_length(id, length, 1)) return;
             message.bearer_reply_sequence = static_cast<uint8_t>(reader.read(6));
             message.parameter_mask |= kParamBearerReplyOption;
             return;
@@ -111,8 +107,7 @@ bool ReadParameterAddress(BitReader &reader, CdmaAddress &address) {
     read.number_mode = static_cast<uint8_t>(reader.read(1));
     if (read.digit_mode == 1) {
         read.number_type = static_cast<uint8_t>(reader.read(3));
-        if (read.number_mode == 1)
-            read.number_plan = static_cast<uint8_t>(reader.read(4));
+        if (read.number_mode == 1) read.number_plan = static_cast<uint8_t>(reader.read(4));
     }
     read.field_count = static_cast<uint8_t>(reader.read(8));
     // ASCII characters take 8 bits, DTMF digits 4.

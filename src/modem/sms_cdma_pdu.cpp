@@ -161,8 +161,7 @@ void render_hex(const char *data, uint32_t length) {
 
 int32_t decode_deliver(const CdmaMessage &message, sms_deliver_msg &out) {
     out.flags = 0;
-    if (GetCdmaMessageOA(message, out.address))
-        out.flags |= NKW_PAL_SMS_CDMA_FLAG_ORIGINATOR;
+    if (GetCdmaMessageOA(message, out.address)) out.flags |= NKW_PAL_SMS_CDMA_FLAG_ORIGINATOR;
     GetCdmaMessageServiceCenterTimeStamp(message);
     if (GetCdmaMessageData(message, out.data, &out.dataLen) != 0) {
         NKW_LOGI(kTag, "Could not retrieve data \n");
@@ -174,8 +173,7 @@ int32_t decode_deliver(const CdmaMessage &message, sms_deliver_msg &out) {
 }
 
 int32_t decode_submit(const CdmaMessage &message, sms_submit_msg &out) {
-    if (GetCdmaMessageDA(message, out.address))
-        out.flags |= NKW_PAL_SMS_CDMA_FLAG_DESTINATION;
+    if (GetCdmaMessageDA(message, out.address)) out.flags |= NKW_PAL_SMS_CDMA_FLAG_DESTINATION;
     if (GetCdmaMessageData(message, out.data, &out.dataLen) != 0) {
         NKW_LOGI(kTag, "Could not retrieve data \n");
         return -1;
@@ -193,12 +191,10 @@ extern "C" int32_t DecodeCdmaPdu(const uint8_t *pdu, uint8_t length, sms_decoded
     }
     CdmaMessage message{};
     nkw::sms::BitReader reader(pdu, length);
-    if (!nkw::sms::ReadParameters(reader, length, message))
-        return -1;
+    if (!nkw::sms::ReadParameters(reader, length, message)) return -1;
 
     uint8_t type = 0;
-    if (GetCdmaMessageType(message, &type) != 0)
-        return -1;
+    if (GetCdmaMessageType(message, &type) != 0) return -1;
     std::memset(msg, 0, sizeof *msg);
     NKW_LOGI(kTag, "messageType is %d \n", type);
 

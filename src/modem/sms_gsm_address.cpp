@@ -47,16 +47,13 @@ uint8_t read_numeric(const uint8_t *pdu, uint8_t a, uint8_t semi_octets, uint8_t
     char digits[kGsmAddressSize] = {};
     int32_t count =
         tolv_hex_BinaryToString(pdu, static_cast<uint8_t>(a + 2), octets, digits, sizeof digits);
-    if (count < 0)
-        return static_cast<uint8_t>(a - 1);
+    if (count < 0) return static_cast<uint8_t>(a - 1);
     swap_semi_octets(digits, static_cast<uint32_t>(count));
     // Whatever stands in place of the filler, an odd count ends the number.
-    if (semi_octets & 1)
-        digits[semi_octets] = '\0';
+    if (semi_octets & 1) digits[semi_octets] = '\0';
 
     uint32_t out = 0;
-    if (toa == kToaInternational)
-        address[out++] = '+';
+    if (toa == kToaInternational) address[out++] = '+';
     for (uint32_t i = 0; digits[i] != '\0' && out < kGsmAddressSize; ++i)
         address[out++] = digits[i];
     return static_cast<uint8_t>(a + 2 + octets);
@@ -73,8 +70,7 @@ AddressStatus read_gsm_address(const uint8_t *pdu, uint8_t a, char (&address)[kG
         return AddressStatus::kOk;
     }
     uint32_t septets = ((semi_octets & ~1u) * 4) / 7;
-    if (septets == 0)
-        return AddressStatus::kEmptyAlphanumeric;
+    if (septets == 0) return AddressStatus::kEmptyAlphanumeric;
     // Longer names are cut at the field's size.
     unpack_septets(pdu, static_cast<uint8_t>(a + 2), septets, address, kGsmAddressSize);
     *next = static_cast<uint8_t>(a + 2 + semi_octets / 2 + (semi_octets & 1));

@@ -39,10 +39,8 @@ constexpr uint8_t kDcsDataClassMin = 0xF0;
 constexpr uint8_t kDcsDataClass8Bit = 0x04;
 
 uint32_t DetermineEncoding(uint8_t dcs) {
-    if (dcs <= kDcsGeneralMax)
-        return (dcs >> 2) & 3;
-    if (dcs >= kDcsDataClassMin)
-        return (dcs & kDcsDataClass8Bit) ? kEightBit : kGsm7Bit;
+    if (dcs <= kDcsGeneralMax) return (dcs >> 2) & 3;
+    if (dcs >= kDcsDataClassMin) return (dcs & kDcsDataClass8Bit) ? kEightBit : kGsm7Bit;
     NKW_LOGI(kTag, "this encoding is not supported (tpDcs %u) \n", dcs);
     return kUnsupported;
 }
@@ -54,8 +52,7 @@ struct DataField {
 };
 
 DataField data_field(sms_decoded_msg *msg, bool deliver) {
-    if (deliver)
-        return {msg->deliver.data, &msg->deliver.dataLen};
+    if (deliver) return {msg->deliver.data, &msg->deliver.dataLen};
     return {msg->submit.data, &msg->submit.dataLen};
 }
 
@@ -68,8 +65,7 @@ void copy_octets(const uint8_t *pdu, uint8_t start, uint32_t count, char *out) {
 // first character sits in the upper 7 bits of the octet after the header.
 char first_septet_after_fill_bit(uint8_t octet) {
     auto septet = static_cast<uint8_t>(octet >> 1);
-    if (septet == nkw::sms::kGsmEscape)
-        return nkw::sms::gsm_extension_to_text(0);
+    if (septet == nkw::sms::kGsmEscape) return nkw::sms::gsm_extension_to_text(0);
     return nkw::sms::gsm_septet_to_text(septet);
 }
 

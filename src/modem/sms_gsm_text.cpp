@@ -56,8 +56,7 @@ char gsm_septet_to_text(uint8_t septet) {
 
 char gsm_extension_to_text(uint8_t septet) {
     for (const Extension &e : kExtensions) {
-        if (e.septet == septet)
-            return e.text;
+        if (e.septet == septet) return e.text;
     }
     return '?';
 }
@@ -74,8 +73,7 @@ int32_t unpack_septets(const uint8_t *pdu, uint8_t start, uint32_t septets, char
         } else {
             text = gsm_septet_to_text(septet);
         }
-        if (written >= size)
-            return -1;
+        if (written >= size) return -1;
         out[written++] = text;
     }
     return static_cast<int32_t>(written);

@@ -62,6 +62,8 @@ void nkw_pal_free(void *ptr) {
     std::free(ptr);
 }
 
-int32_t nkw_pal_getHeapInfo(void) { return NKW_PAL_HEAP_INFO_UNSUPPORTED; }
+int32_t nkw_pal_getHeapInfo(void) {
+    return NKW_PAL_HEAP_INFO_UNSUPPORTED;
+}
 
 }  // extern "C"

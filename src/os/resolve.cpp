@@ -48,8 +48,7 @@ int32_t nkw_pal_getaddrinfo(const char *host, const uint16_t *port,
     hints.ai_flags = AI_PASSIVE;
     hints.ai_family = nkw::os::family_of(ip_type);  // -1 for a bad type: refused
     char service[kServiceSize] = {};
-    if (port != nullptr)
-        std::snprintf(service, sizeof service, "%d", *port);
+    if (port != nullptr) std::snprintf(service, sizeof service, "%d", *port);
 
     addrinfo *results = nullptr;
     if (getaddrinfo(host, port != nullptr ? service : nullptr, &hints, &results) != 0) {
@@ -64,8 +63,7 @@ int32_t nkw_pal_getaddrinfo(const char *host, const uint16_t *port,
     int stored = 0;
     for (const addrinfo *r = results; r != nullptr && stored < NKW_PAL_ADDRINFO_MAX;
          r = r->ai_next) {
-        if (store(*r, &entries[stored]))
-            ++stored;
+        if (store(*r, &entries[stored])) ++stored;
     }
     freeaddrinfo(results);
     if (stored == 0) {

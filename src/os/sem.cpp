@@ -24,7 +24,9 @@ constexpr uint32_t kDomainSize = 128;  // "/TOLV_Openwrt_" + 64 + ".sem" fits
 constexpr const char *kDomainFormat = "/TOLV_Openwrt_%s.sem";
 constexpr mode_t kSemMode = 0770;
 
-bool usable(const sem_info *handle) { return handle != nullptr && handle->sem_id != nullptr; }
+bool usable(const sem_info *handle) {
+    return handle != nullptr && handle->sem_id != nullptr;
+}
 
 int32_t wait_untimed(sem_info *handle) {
     if (sem_wait(handle->sem_id) == 0) return 0;

@@ -140,11 +140,9 @@ int32_t nkw_pal_socket_sendto(int32_t fd, const void *data, uint32_t len, const 
         return NKW_PAL_OS_MISSING_ARG;
     }
     SocketAddress address{};
-    if (!address_for(ip_type, *addr, port, &address))
-        return -1;
+    if (!address_for(ip_type, *addr, port, &address)) return -1;
     auto sent = static_cast<int32_t>(sendto(fd, data, len, 0, address.get(), address.length));
-    if (sent == -1)
-        NKW_LOGE(kTag, "send failed %s \n", strerror(errno));
+    if (sent == -1) NKW_LOGE(kTag, "send failed %s \n", strerror(errno));
     return sent;
 }
 
@@ -156,11 +154,9 @@ int32_t nkw_pal_socket_recvfrom(int32_t fd, void *buf, uint32_t len, const ip_ad
     }
     // The sender's address lands in this local copy and goes no further.
     SocketAddress address{};
-    if (!address_for(ip_type, *addr, port, &address))
-        return -1;
+    if (!address_for(ip_type, *addr, port, &address)) return -1;
     auto received = static_cast<int32_t>(recvfrom(fd, buf, len, 0, address.get(), &address.length));
-    if (received == -1)
-        NKW_LOGE(kTag, "recive failed %s \n", strerror(errno));
+    if (received == -1) NKW_LOGE(kTag, "recive failed %s \n", strerror(errno));
     return received;
 }
 

@@ -29,18 +29,15 @@ void nkw_pal_timer_callbackInner(sigval value) {
         NKW_LOGE(kTag, "timer_info is NULL \n");
         return;
     }
-    if (info->callback == nullptr)
-        return;
+    if (info->callback == nullptr) return;
     info->callback(info->arg);
 }
 
 itimerspec setting_for(uint32_t ms, bool periodic) {
     itimerspec setting{};
-    if (ms > 999)
-        setting.it_value.tv_sec = ms / 1000;
+    if (ms > 999) setting.it_value.tv_sec = ms / 1000;
     setting.it_value.tv_nsec = static_cast<long>(ms % 1000) * 1000000L;
-    if (periodic)
-        setting.it_interval = setting.it_value;
+    if (periodic) setting.it_interval = setting.it_value;
     return setting;
 }
 
@@ -143,15 +140,13 @@ int32_t nkw_pal_timer_delete(timer_info **handle) {
 
 int32_t nkw_pal_timer_isRunning(timer_info *handle) {
     itimerspec setting;
-    if (!read_time(handle, &setting))
-        return 0;
+    if (!read_time(handle, &setting)) return 0;
     return nonzero(setting.it_value) || nonzero(setting.it_interval) ? 1 : 0;
 }
 
 int32_t nkw_pal_timer_isPeriodic(timer_info *handle) {
     itimerspec setting;
-    if (!read_time(handle, &setting))
-        return 0;
+    if (!read_time(handle, &setting)) return 0;
     return nonzero(setting.it_interval) ? 1 : 0;
 }
 

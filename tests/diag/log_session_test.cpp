@@ -24,10 +24,10 @@ TEST(LogInit, IdentIsTheExecutableBaseNameWithRefusals) {
     const IdentCase cases[] = {
         {"/usr/sbin/connmgrd", "connmgrd"},
         {"/usr/sbin/ab", "ab"},
-        {"/usr/sbin/a", ""},             // one-letter names are refused on purpose
-        {"/usr/sbin/", ""},              // nothing behind the last slash
-        {"relative", ""},                // no slash at all
-        {nullptr, ""},                   // the link cannot be read
+        {"/usr/sbin/a", ""},  // one-letter names are refused on purpose
+        {"/usr/sbin/", ""},   // nothing behind the last slash
+        {"relative", ""},     // no slash at all
+        {nullptr, ""},        // the link cannot be read
         {long_path.c_str(), cut_name.c_str()},
     };
     for (const IdentCase &c : cases) {

@@ -1,10 +1,11 @@
 // The acknowledgement the library sends for messages the modem pushes.
+#include "modem/ack.h"
+
 #include <gtest/gtest.h>
 
 #include <cstring>
 
 #include "mipc_sim.h"
-#include "modem/ack.h"
 
 namespace {
 

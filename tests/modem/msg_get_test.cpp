@@ -54,14 +54,15 @@ TEST(ModemMsgGet, CopiesOrExplainsWhatTheCallerMustProvide) {
         char buffer[64];
         std::memset(buffer, '#', sizeof buffer);
         uint32_t out_len = 99;
-        EXPECT_EQ(c.status, nkw_pal_modem_msg_get(m.msg, &type_ref, c.with_buffer ? buffer : nullptr,
-                                                  c.buffer_size, &out_len))
+        EXPECT_EQ(c.status,
+                  nkw_pal_modem_msg_get(m.msg, &type_ref, c.with_buffer ? buffer : nullptr,
+                                        c.buffer_size, &out_len))
             << c.name;
         EXPECT_EQ(c.out_len, out_len) << c.name;
         EXPECT_TRUE(syslog_contains(c.message)) << c.name;
         // Exactly the value's bytes are copied: no terminator is added.
-        std::string expected = c.copied ? std::string("ABCDEF") + std::string(58, '#')
-                                         : std::string(64, '#');
+        std::string expected =
+            c.copied ? std::string("ABCDEF") + std::string(58, '#') : std::string(64, '#');
         EXPECT_EQ(expected, std::string(buffer, sizeof buffer)) << c.name;
     }
 }

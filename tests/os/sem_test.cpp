@@ -22,8 +22,7 @@ namespace {
 struct Sem {
     sem_info *handle = nullptr;
     ~Sem() {
-        if (handle != nullptr)
-            nkw_pal_sem_deinit(&handle);
+        if (handle != nullptr) nkw_pal_sem_deinit(&handle);
     }
 };
 

@@ -20,7 +20,8 @@ TEST(SimDispatcher, HandlersRunOnTheDispatcherThreadNotTheCallers) {
         [](mipc_msg_t *, void *) { g_handler_thread = std::this_thread::get_id(); }, 0, nullptr);
     ASSERT_TRUE(mipc_sim::deliver_indication(MIPC_PS0, 0x4505, {}));
     EXPECT_NE(std::this_thread::get_id(), g_handler_thread);
-    EXPECT_FALSE(mipc_sim::deliver_indication(MIPC_PS1, 0x4505, {})) << "other stack: not registered";
+    EXPECT_FALSE(mipc_sim::deliver_indication(MIPC_PS1, 0x4505, {}))
+        << "other stack: not registered";
     EXPECT_EQ(-1, mipc_sim::deliver_command(0x1234, {}));
 }
 
@@ -28,14 +29,13 @@ TEST(SimAt, AsyncCompletionArrivesLaterOnTheDispatcher) {
     mipc_sim::set_at_reply("AT+CSQ", 0, "+CSQ: 20,99");
     static std::atomic<int> completions{0};
     static std::string response;
-    ASSERT_EQ(MIPC_RESULT_SUCCESS,
-              mipc_sys_at_async(
-                  MIPC_PS0,
-                  [](mipc_sim_ps_id_enum, mipc_sys_at_struct *r, void *) {
-                      response = r->atcmd_res_ptr;
-                      ++completions;
-                  },
-                  nullptr, "AT+CSQ"));
+    ASSERT_EQ(MIPC_RESULT_SUCCESS, mipc_sys_at_async(
+                                       MIPC_PS0,
+                                       [](mipc_sim_ps_id_enum, mipc_sys_at_struct *r, void *) {
+                                           response = r->atcmd_res_ptr;
+                                           ++completions;
+                                       },
+                                       nullptr, "AT+CSQ"));
     mipc_sim::drain();
     EXPECT_EQ(1, completions.load());
     EXPECT_EQ("+CSQ: 20,99", response);

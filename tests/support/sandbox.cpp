@@ -22,7 +22,9 @@ void make_dirs(const std::string &path) {
     mkdir(path.c_str(), 0755);
 }
 
-std::string parent_of(const std::string &path) { return path.substr(0, path.rfind('/')); }
+std::string parent_of(const std::string &path) {
+    return path.substr(0, path.rfind('/'));
+}
 
 int remove_entry(const char *path, const struct stat *, int, struct FTW *) {
     return std::remove(path);
@@ -41,8 +43,8 @@ Sandbox &Sandbox::current() {
 
 void Sandbox::open() {
     const char *tmp = std::getenv("TMPDIR");
-    std::string pattern = std::string(tmp != nullptr && tmp[0] == '/' ? tmp : "/tmp") +
-                          "/nkw_pal_test.XXXXXX";
+    std::string pattern =
+        std::string(tmp != nullptr && tmp[0] == '/' ? tmp : "/tmp") + "/nkw_pal_test.XXXXXX";
     if (mkdtemp(pattern.data()) == nullptr) {
         std::perror("mkdtemp");
         std::abort();
@@ -56,7 +58,8 @@ void Sandbox::open() {
         }
     }
     setenv("NKW_PAL_SANDBOX_ROOT", root_.c_str(), 1);
-    static const std::string host_path = std::getenv("PATH") ? std::getenv("PATH") : "/usr/bin:/bin";
+    static const std::string host_path =
+        std::getenv("PATH") ? std::getenv("PATH") : "/usr/bin:/bin";
     setenv("PATH", (root_ + "/bin:" + host_path).c_str(), 1);
 }
 

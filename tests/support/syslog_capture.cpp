@@ -52,7 +52,9 @@ std::vector<SyslogRecord> syslog_matching(const std::string &needle) {
     return found;
 }
 
-bool syslog_contains(const std::string &needle) { return !syslog_matching(needle).empty(); }
+bool syslog_contains(const std::string &needle) {
+    return !syslog_matching(needle).empty();
+}
 
 }  // namespace nkw::test
 

@@ -117,16 +117,17 @@ int32_t nkw_pal_strtouint32(const char *text, uint32_t *result) {
 }
 
 int32_t nkw_pal_strtoint32_range(const char *text, int32_t min, int32_t max, int32_t *result) {
-    if (result == nullptr) {
-        NKW_LOGE(kUtilsTag, "result is null \n");
-        return -1;
-    }
     int32_t value = 0;
     int32_t status = nkw_pal_strtoint32(text, &value);
     if (value < min || value > max) {
         NKW_LOGE(kUtilsTag, "int out of range: val=%u, min=%u, max=%u \n",
                  static_cast<uint32_t>(value), static_cast<uint32_t>(min),
                  static_cast<uint32_t>(max));
+        return -1;
+    }
+    // Checked only here, so the conversion and range messages come first.
+    if (result == nullptr) {
+        NKW_LOGE(kUtilsTag, "result is null \n");
         return -1;
     }
     // A failed conversion leaves 0, which is stored when 0 is in range.

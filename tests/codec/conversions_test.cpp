@@ -64,6 +64,11 @@ TEST(StrToInt, WholeTextUsedValueTruncatedAndRangeStoresAFailedZero) {
         EXPECT_EQ(value, got) << text;
     }
     EXPECT_TRUE(syslog_contains("int out of range: val=7, min=1, max=5 \n"));
+    nkw::test::syslog_clear();  // a missing result is only refused where it would be written
+    EXPECT_EQ(-1, nkw_pal_strtoint32_range("9", 1, 5, nullptr));
+    EXPECT_EQ(-1, nkw_pal_strtoint32_range("3", 1, 5, nullptr));
+    EXPECT_TRUE(syslog_contains("int out of range: val=9, min=1, max=5 \n"));
+    EXPECT_TRUE(syslog_contains("result is null \n"));
 }
 
 TEST(Hex, Hex2StrAddsIntoTheOutputBytesToHexKeepSizeAndCase) {

@@ -42,63 +42,6 @@ bool ReadParameterSubAddress(BitReader &reader, CdmaSubaddress &subaddress) {
     return true;
 }
 
-bool has_length(uint32_t id, uint32_t length, uint32_t expected) {
-    if (length == expected) return true;
-    NKW_LOGI(kTag, "%d: SMS message parameter length should be %d \n", static_cast<int>(id),
-             static_cast<int>(expected));
-    return false;
-}
-
-void read_parameter(BitReader &reader, uint32_t id, uint32_t length, CdmaMessage &message) {
-    switch (id) {
-        case kTeleservice:
-            if (!has_length(id, length, 2)) return;
-            message.teleservice_id = static_cast<uint16_t>(reader.read(16));
-            message.parameter_mask |= kParamTeleservice;
-            return;
-        case kBroadcastCategory:
-            if (!has_length(id, length, 2)) return;
-            message.broadcast_category = static_cast<uint16_t>(reader.read(16));
-            message.parameter_mask |= kParamBroadcastCategory;
-            return;
-        case kOriginatingAddress:
-            if (ReadParameterAddress(reader, message.originating))
-                message.parameter_mask |= kParamOriginatingAddress;
-            return;
-        case kOriginatingSubaddress:
-            if (ReadParameterSubAddress(reader, message.originating_sub))
-                message.parameter_mask |= kParamOriginatingSubaddress;
-            return;
-        case kDestinationAddress:
-            if (ReadParameterAddress(reader, message.destination))
-                message.parameter_mask |= kParamDestinationAddress;
-            return;
-        case kDestinationSubaddress:
-            if (ReadParameterSubAddress(reader, message.destination_sub))
-                message.parameter_mask |= kParamDestinationSubaddress;
-            return;
-        case kBearerReplyOption:
-            if (!has_length(id, length, 1)) return;
-            message.bearer_reply_sequence = static_cast<uint8_t>(reader.read(6));
-            message.parameter_mask |= kParamBearerReplyOption;
-            return;
-        case kCauseCodes:
-            message.cause_reply_sequence = static_cast<uint8_t>(reader.read(6));
-            message.cause_error_class = static_cast<uint8_t>(reader.read(2));
-            if (message.cause_error_class != 0)
-                message.cause_code = static_cast<uint8_t>(reader.read(8));
-            message.parameter_mask |= kParamCauseCodes;
-            return;
-        case kBearerData:
-            ReadSubParameters(reader, length, message);
-            message.parameter_mask |= kParamBearerData;
-            return;
-        default:
-            NKW_LOGI(kTag, "Do not support this Parameter Id: %d \n", static_cast<int>(id));
-            return;
-    }
-}
-
 }  // namespace
 
 bool ReadParameterAddress(BitReader &reader, CdmaAddress &address) {
@@ -139,7 +82,65 @@ bool ReadParameters(BitReader &reader, uint32_t length, CdmaMessage &message) {
                      static_cast<int>(length));
             return false;
         }
-        read_parameter(reader, id, parameter_length, message);
+        switch (id) {
+            case kTeleservice:
+                if (parameter_length != 2) {
+                    NKW_LOGI(kTag, "%d: SMS message parameter length should be 2 \n",
+                             static_cast<int>(id));
+                    break;
+                }
+                message.teleservice_id = static_cast<uint16_t>(reader.read(16));
+                message.parameter_mask |= kParamTeleservice;
+                break;
+            case kBroadcastCategory:
+                if (parameter_length != 2) {
+                    NKW_LOGI(kTag, "%d: SMS message parameter length should be 2 \n",
+                             static_cast<int>(id));
+                    break;
+                }
+                message.broadcast_category = static_cast<uint16_t>(reader.read(16));
+                message.parameter_mask |= kParamBroadcastCategory;
+                break;
+            case kOriginatingAddress:
+                if (ReadParameterAddress(reader, message.originating))
+                    message.parameter_mask |= kParamOriginatingAddress;
+                break;
+            case kOriginatingSubaddress:
+                if (ReadParameterSubAddress(reader, message.originating_sub))
+                    message.parameter_mask |= kParamOriginatingSubaddress;
+                break;
+            case kDestinationAddress:
+                if (ReadParameterAddress(reader, message.destination))
+                    message.parameter_mask |= kParamDestinationAddress;
+                break;
+            case kDestinationSubaddress:
+                if (ReadParameterSubAddress(reader, message.destination_sub))
+                    message.parameter_mask |= kParamDestinationSubaddress;
+                break;
+            case kBearerReplyOption:
+                if (parameter_length != 1) {
+                    NKW_LOGI(kTag, "%d: SMS message parameter length should be 1 \n",
+                             static_cast<int>(id));
+                    break;
+                }
+                message.bearer_reply_sequence = static_cast<uint8_t>(reader.read(6));
+                message.parameter_mask |= kParamBearerReplyOption;
+                break;
+            case kCauseCodes:
+                message.cause_reply_sequence = static_cast<uint8_t>(reader.read(6));
+                message.cause_error_class = static_cast<uint8_t>(reader.read(2));
+                if (message.cause_error_class != 0)
+                    message.cause_code = static_cast<uint8_t>(reader.read(8));
+                message.parameter_mask |= kParamCauseCodes;
+                break;
+            case kBearerData:
+                ReadSubParameters(reader, parameter_length, message);
+                message.parameter_mask |= kParamBearerData;
+                break;
+            default:
+                NKW_LOGI(kTag, "Do not support this Parameter Id: %d \n", static_cast<int>(id));
+                break;
+        }
         reader.seek(start + parameter_length);
         remaining -= static_cast<int32_t>(parameter_length) + 2;
     }

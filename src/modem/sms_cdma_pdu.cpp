@@ -101,20 +101,6 @@ void GetCdmaMessageServiceCenterTimeStamp(const CdmaMessage &message) {
     DecodeDate(kTimestampSize);
 }
 
-int32_t unpack_ascii(const nkw::sms::CdmaUserData &user_data, char *out, uint32_t *length) {
-    std::memset(out, 0, kDataSize);
-    nkw::sms::BitReader reader(user_data.fields, nkw::sms::kUserDataFieldsSize);
-    for (uint32_t i = 0; i < user_data.field_count; ++i) {
-        if (i == kDataSize) {
-            NKW_LOGI(kTag, "Overflow occur when decoding user data \n");
-            return -1;
-        }
-        out[i] = static_cast<char>(reader.read(7));
-    }
-    *length = user_data.field_count;
-    return 0;
-}
-
 int32_t GetCdmaMessageData(const CdmaMessage &message, char *out, uint32_t *length) {
     if (!(message.parameter_mask & nkw::sms::kParamBearerData)) {
         NKW_LOGI(kTag, "No Bearer data in the message \n");
@@ -127,8 +113,19 @@ int32_t GetCdmaMessageData(const CdmaMessage &message, char *out, uint32_t *leng
     const nkw::sms::CdmaUserData &user_data = message.user_data;
     uint32_t count = user_data.field_count;
     switch (user_data.encoding) {
-        case nkw::sms::kCdmaAscii7Bit:
-            return unpack_ascii(user_data, out, length);
+        case nkw::sms::kCdmaAscii7Bit: {
+            std::memset(out, 0, kDataSize);
+            nkw::sms::BitReader reader(user_data.fields, nkw::sms::kUserDataFieldsSize);
+            for (uint32_t i = 0; i < count; ++i) {
+                if (i == kDataSize) {
+                    NKW_LOGI(kTag, "Overflow occur when decoding user data \n");
+                    return -1;
+                }
+                out[i] = static_cast<char>(reader.read(7));
+            }
+            *length = count;
+            return 0;
+        }
         case nkw::sms::kCdmaUnicode:
             NKW_LOGI(kTag, "fieldsNumber %d/%d \n", static_cast<int>(count),
                      static_cast<int>(kDataSize));
@@ -153,33 +150,13 @@ int32_t GetCdmaMessageData(const CdmaMessage &message, char *out, uint32_t *leng
     }
 }
 
-void render_hex(const char *data, uint32_t length) {
+// Renders the text as hex and frees it again; the free is logged under the
+// caller's name.
+void render_hex(const char *data, uint32_t length, const char *function = __builtin_FUNCTION(),
+                int line = __builtin_LINE()) {
     auto hex = nkw::HeapRecord<char>::adopt(
-        nkw::sms::tolv_HextoChar(reinterpret_cast<const uint8_t *>(data), length));
+        nkw::sms::tolv_HextoChar(reinterpret_cast<const uint8_t *>(data), length), function, line);
     hex.reset();
-}
-
-int32_t decode_deliver(const CdmaMessage &message, sms_deliver_msg &out) {
-    out.flags = 0;
-    if (GetCdmaMessageOA(message, out.address)) out.flags |= NKW_PAL_SMS_CDMA_FLAG_ORIGINATOR;
-    GetCdmaMessageServiceCenterTimeStamp(message);
-    if (GetCdmaMessageData(message, out.data, &out.dataLen) != 0) {
-        NKW_LOGI(kTag, "Could not retrieve data \n");
-        return -1;
-    }
-    out.type = NKW_PAL_SMS_TYPE_DELIVER;
-    render_hex(out.data, out.dataLen);
-    return 0;
-}
-
-int32_t decode_submit(const CdmaMessage &message, sms_submit_msg &out) {
-    if (GetCdmaMessageDA(message, out.address)) out.flags |= NKW_PAL_SMS_CDMA_FLAG_DESTINATION;
-    if (GetCdmaMessageData(message, out.data, &out.dataLen) != 0) {
-        NKW_LOGI(kTag, "Could not retrieve data \n");
-        return -1;
-    }
-    out.type = NKW_PAL_SMS_TYPE_SUBMIT;
-    return 0;
 }
 
 }  // namespace
@@ -199,10 +176,31 @@ extern "C" int32_t DecodeCdmaPdu(const uint8_t *pdu, uint8_t length, sms_decoded
     NKW_LOGI(kTag, "messageType is %d \n", type);
 
     switch (type) {
-        case kMessageTypeDeliver:
-            return decode_deliver(message, msg->deliver);
-        case kMessageTypeSubmit:
-            return decode_submit(message, msg->submit);
+        case kMessageTypeDeliver: {
+            sms_deliver_msg &out = msg->deliver;
+            out.flags = 0;
+            if (GetCdmaMessageOA(message, out.address))
+                out.flags |= NKW_PAL_SMS_CDMA_FLAG_ORIGINATOR;
+            GetCdmaMessageServiceCenterTimeStamp(message);
+            if (GetCdmaMessageData(message, out.data, &out.dataLen) != 0) {
+                NKW_LOGI(kTag, "Could not retrieve data \n");
+                return -1;
+            }
+            out.type = NKW_PAL_SMS_TYPE_DELIVER;
+            render_hex(out.data, out.dataLen);
+            return 0;
+        }
+        case kMessageTypeSubmit: {
+            sms_submit_msg &out = msg->submit;
+            if (GetCdmaMessageDA(message, out.address))
+                out.flags |= NKW_PAL_SMS_CDMA_FLAG_DESTINATION;
+            if (GetCdmaMessageData(message, out.data, &out.dataLen) != 0) {
+                NKW_LOGI(kTag, "Could not retrieve data \n");
+                return -1;
+            }
+            out.type = NKW_PAL_SMS_TYPE_SUBMIT;
+            return 0;
+        }
         default:
             NKW_LOGI(kTag, "Do not support this message type %d \n", type);
             return -1;

@@ -70,10 +70,11 @@ char first_septet_after_fill_bit(uint8_t octet) {
 }
 
 // Renders the text as hex and drops it again: the allocation trace is the
-// diagnostic.
-void render_hex(const char *data, uint32_t length) {
+// diagnostic, its free logged under the caller's name.
+void render_hex(const char *data, uint32_t length, const char *function = __builtin_FUNCTION(),
+                int line = __builtin_LINE()) {
     auto hex = nkw::HeapRecord<char>::adopt(
-        nkw::sms::tolv_HextoChar(reinterpret_cast<const uint8_t *>(data), length));
+        nkw::sms::tolv_HextoChar(reinterpret_cast<const uint8_t *>(data), length), function, line);
     hex.reset();
 }
 

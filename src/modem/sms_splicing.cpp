@@ -38,9 +38,11 @@ uint32_t place_part(char (&scratch)[kScratchSize], uint8_t curnum, uint32_t segm
 }
 
 // The joined text is rendered as hex and dropped: a diagnostic only.
-void render_joined(const char (&scratch)[kScratchSize], uint32_t used) {
-    auto hex =
-        HeapRecord<char>::adopt(tolv_HextoChar(reinterpret_cast<const uint8_t *>(scratch), used));
+// Its free is logged under the caller's name.
+void render_joined(const char (&scratch)[kScratchSize], uint32_t used,
+                   const char *function = __builtin_FUNCTION(), int line = __builtin_LINE()) {
+    auto hex = HeapRecord<char>::adopt(
+        tolv_HextoChar(reinterpret_cast<const uint8_t *>(scratch), used), function, line);
     hex.reset();
 }
 

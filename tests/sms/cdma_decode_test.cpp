@@ -148,6 +148,28 @@ TEST(CdmaDecode, RefusedMessagesLeaveTheRecordUntouchedUntilBearerDataIsFound) {
     }
 }
 
+TEST(CdmaDecode, LinesAreLoggedUnderTheStepThatWritesThem) {
+    const struct {
+        std::string pdu;
+        const char *log;
+        const char *function;
+    } cases[] = {
+        {"000003100200020300C48C080B0003112340010410174E60",
+         "0: SMS message parameter length should be 2", "ReadParameters"},
+        {"0009010002020300C48C080B0003112340010410174E60", "Do not support this Parameter Id: 9",
+         "ReadParameters"},
+        {"0000021002020300C48C080B0003112340010410174E60", "]-free ", "DecodeCdmaPdu"},
+        {"0000021002020300C48C081300031123400104181418400306241121123456",
+         "Could not retrieve data", "DecodeCdmaPdu"},
+    };
+    for (const auto &c : cases) {
+        nkw::test::syslog_clear();
+        sms_decoded_msg msg;
+        decode(c.pdu, &msg);
+        EXPECT_TRUE(nkw::test::logged_in(c.log, c.function)) << c.log;
+    }
+}
+
 TEST(CdmaDecode, LengthThatDoesNotAddUpIsRefusedWithinTheGivenBytes) {
     std::vector<uint8_t> pdu = from_hex(
         "0000021002020702955448D159C0081A0003112340010B10548CBB366F410E24D82003062411"

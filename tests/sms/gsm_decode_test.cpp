@@ -175,4 +175,22 @@ TEST(GsmLog, EveryDecoderLineIsInformationWithTheDecoderTag) {
     EXPECT_NE(std::string::npos, records[0].text.find("firstByte is 4, pos is 9 "));
 }
 
+TEST(GsmLog, HexRenderingIsFreedByItsCaller) {
+    const struct {
+        std::string pdu;
+        const char *function;
+    } cases[] = {
+        {kDeliverTo4412345 + "04" + kStamp + "0141", "DecodeGsmPdu"},
+        // One part of one: joined and rendered at once.
+        {"0051000791442143F50000AA10050003330101A665371D040FCBE9", "SplicingPdu"},
+    };
+    for (const auto &c : cases) {
+        nkw::test::syslog_clear();
+        sms_decoded_msg msg;
+        auto pdu = gsm_buffer(c.pdu);
+        ASSERT_EQ(0, DecodeGsmPdu(pdu.data(), &msg)) << c.function;
+        EXPECT_TRUE(nkw::test::logged_in("]-free ", c.function)) << c.function;
+    }
+}
+
 }  // namespace

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "nkw_pal.h"
+#include "support/syslog_capture.h"
 
 namespace nkw::test {
 
@@ -37,6 +38,14 @@ inline std::string deliver_text(const sms_decoded_msg &msg) {
 
 inline std::string submit_text(const sms_decoded_msg &msg) {
     return std::string(msg.submit.data, msg.submit.dataLen > 161 ? 161 : msg.submit.dataLen);
+}
+
+// Whether a line containing `needle` was logged under `function`'s name.
+inline bool logged_in(const std::string &needle, const std::string &function) {
+    for (const SyslogRecord &r : syslog_matching(needle)) {
+        if (r.text.find("[" + function + ":") != std::string::npos) return true;
+    }
+    return false;
 }
 
 }  // namespace nkw::test

@@ -45,7 +45,8 @@ SocketAddress ipv6_address(const ip_addr &addr, uint16_t port, size_t copied = 1
     return address;
 }
 
-// IPv4 or IPv6 by type; false (logged) for any other type.
+// IPv4 or IPv6 by type; false for any other type (the callers log it, so
+// that the line carries their name).
 bool address_for(int32_t ip_type, const ip_addr &addr, uint16_t port, SocketAddress *out) {
     if (ip_type == IP_TYPE_IPV4) {
         *out = ipv4_address(addr, port);
@@ -55,7 +56,6 @@ bool address_for(int32_t ip_type, const ip_addr &addr, uint16_t port, SocketAddr
         *out = ipv6_address(addr, port);
         return true;
     }
-    NKW_LOGE(kTag, "ip is not IPV4 or IPV6 \n");
     return false;
 }
 
@@ -140,7 +140,10 @@ int32_t nkw_pal_socket_sendto(int32_t fd, const void *data, uint32_t len, const 
         return NKW_PAL_OS_MISSING_ARG;
     }
     SocketAddress address{};
-    if (!address_for(ip_type, *addr, port, &address)) return -1;
+    if (!address_for(ip_type, *addr, port, &address)) {
+        NKW_LOGE(kTag, "ip is not IPV4 or IPV6 \n");
+        return -1;
+    }
     auto sent = static_cast<int32_t>(sendto(fd, data, len, 0, address.get(), address.length));
     if (sent == -1) NKW_LOGE(kTag, "send failed %s \n", strerror(errno));
     return sent;
@@ -154,7 +157,10 @@ int32_t nkw_pal_socket_recvfrom(int32_t fd, void *buf, uint32_t len, const ip_ad
     }
     // The sender's address lands in this local copy and goes no further.
     SocketAddress address{};
-    if (!address_for(ip_type, *addr, port, &address)) return -1;
+    if (!address_for(ip_type, *addr, port, &address)) {
+        NKW_LOGE(kTag, "ip is not IPV4 or IPV6 \n");
+        return -1;
+    }
     auto received = static_cast<int32_t>(recvfrom(fd, buf, len, 0, address.get(), &address.length));
     if (received == -1) NKW_LOGE(kTag, "recive failed %s \n", strerror(errno));
     return received;

@@ -46,60 +46,6 @@ void *nkw_pal_thread_callbackInner(void *param) {
     return nullptr;
 }
 
-// Applies the caller's attributes and starts the thread; returns the code
-// that the creation failure line shows, or 0.
-int start_with_attributes(thread_info *info) {
-    pthread_attr_t attributes;
-    if (pthread_attr_init(&attributes) != 0) {
-        NKW_LOGE(kTag, "The attr_init failed \n");
-        return NKW_PAL_THREAD_ATTR_INIT_FAILED;
-    }
-    if (info->attr.stack_size == 0 || info->attr.stack_size <= kSmallestStack) {
-        pthread_attr_destroy(&attributes);
-        NKW_LOGE(kTag, "The stack size is less than PTHREAD_STACK_MIN bytes. \n");
-        return NKW_PAL_THREAD_STACK_TOO_SMALL;
-    }
-    if (pthread_attr_setstacksize(&attributes, info->attr.stack_size) != 0) {
-        pthread_attr_destroy(&attributes);
-        NKW_LOGE(kTag, "The setstacksize failed \n");
-        return -1;
-    }
-    // Fresh attributes report SCHED_OTHER, so the priority is never applied
-    // today; the order of these calls is kept for when that changes.
-    int policy = SCHED_OTHER;
-    pthread_attr_getschedpolicy(&attributes, &policy);
-    if (policy == SCHED_OTHER) {
-        NKW_LOGD(kTag, "The current scheduling policy does not support priority \n");
-    } else if (info->attr.priority < kLowestPriority || info->attr.priority > kHighestPriority) {
-        NKW_LOGE(kTag, "The priority parameter is out of range \n");
-        return kPriorityOutOfRange;
-    } else {
-        sched_param param{};
-        param.sched_priority = static_cast<int>(info->attr.priority);
-        if (pthread_attr_setschedparam(&attributes, &param) != 0) {
-            pthread_attr_destroy(&attributes);
-            NKW_LOGE(kTag, "The setschedparam failed \n");
-            return NKW_PAL_THREAD_SCHEDPARAM_FAILED;
-        }
-    }
-    if (pthread_attr_setdetachstate(&attributes, PTHREAD_CREATE_DETACHED) != 0) {
-        pthread_attr_destroy(&attributes);
-        NKW_LOGE(kTag, "The setdetachstate failed \n");
-        return -1;
-    }
-    int code = pthread_create(info->thread_id, &attributes, nkw_pal_thread_callbackInner, info);
-    pthread_attr_destroy(&attributes);
-    return code;
-}
-
-int start_with_defaults(thread_info *info) {
-    int code = pthread_create(info->thread_id, nullptr, nkw_pal_thread_callbackInner, info);
-    if (code == 0 && pthread_detach(*info->thread_id) != 0) {
-        NKW_LOGW(kTag, "The pthread_detach failed. \n");
-    }
-    return code;
-}
-
 }  // namespace
 
 extern "C" {
@@ -132,12 +78,68 @@ int32_t nkw_pal_thread_create(thread_info **out, const char *name, const thread_
     record->callback = callback;
     record->arg = arg;
 
-    int code;
+    // The steps run here rather than in a helper so that their lines carry
+    // this function's name, as every line of the call does.
+    int code = 0;
     if (attr != nullptr) {
         record->attr = *attr;
-        code = start_with_attributes(record.get());
+        do {
+            pthread_attr_t attributes;
+            if (pthread_attr_init(&attributes) != 0) {
+                NKW_LOGE(kTag, "The attr_init failed \n");
+                code = NKW_PAL_THREAD_ATTR_INIT_FAILED;
+                break;
+            }
+            if (record->attr.stack_size == 0 || record->attr.stack_size <= kSmallestStack) {
+                pthread_attr_destroy(&attributes);
+                NKW_LOGE(kTag, "The stack size is less than PTHREAD_STACK_MIN bytes. \n");
+                code = NKW_PAL_THREAD_STACK_TOO_SMALL;
+                break;
+            }
+            if (pthread_attr_setstacksize(&attributes, record->attr.stack_size) != 0) {
+                pthread_attr_destroy(&attributes);
+                NKW_LOGE(kTag, "The setstacksize failed \n");
+                code = -1;
+                break;
+            }
+            // Fresh attributes report SCHED_OTHER, so the priority is never
+            // applied today; the order of these calls is kept for when that
+            // changes.
+            int policy = SCHED_OTHER;
+            pthread_attr_getschedpolicy(&attributes, &policy);
+            if (policy == SCHED_OTHER) {
+                NKW_LOGD(kTag, "The current scheduling policy does not support priority \n");
+            } else if (record->attr.priority < kLowestPriority ||
+                       record->attr.priority > kHighestPriority) {
+                NKW_LOGE(kTag, "The priority parameter is out of range \n");
+                code = kPriorityOutOfRange;
+                break;
+            } else {
+                sched_param param{};
+                param.sched_priority = static_cast<int>(record->attr.priority);
+                if (pthread_attr_setschedparam(&attributes, &param) != 0) {
+                    pthread_attr_destroy(&attributes);
+                    NKW_LOGE(kTag, "The setschedparam failed \n");
+                    code = NKW_PAL_THREAD_SCHEDPARAM_FAILED;
+                    break;
+                }
+            }
+            if (pthread_attr_setdetachstate(&attributes, PTHREAD_CREATE_DETACHED) != 0) {
+                pthread_attr_destroy(&attributes);
+                NKW_LOGE(kTag, "The setdetachstate failed \n");
+                code = -1;
+                break;
+            }
+            code = pthread_create(record->thread_id, &attributes, nkw_pal_thread_callbackInner,
+                                  record.get());
+            pthread_attr_destroy(&attributes);
+        } while (false);
     } else {
-        code = start_with_defaults(record.get());
+        code =
+            pthread_create(record->thread_id, nullptr, nkw_pal_thread_callbackInner, record.get());
+        if (code == 0 && pthread_detach(*record->thread_id) != 0) {
+            NKW_LOGW(kTag, "The pthread_detach failed. \n");
+        }
     }
     if (code != 0) {
         NKW_LOGE(kTag, "%s thread create failed ret: %d  \n", thread_name, code);

@@ -41,28 +41,17 @@ itimerspec setting_for(uint32_t ms, bool periodic) {
     return setting;
 }
 
-int32_t set_time(timer_info *handle, const itimerspec &setting) {
-    if (timer_settime(handle->timer_id, 0, &setting, nullptr) != 0) {
-        int err = errno;
-        NKW_LOGE(kTag, "timer_settime failed cause: %d %s \n", err, strerror(err));
-        return -1;
-    }
-    return 0;
+// 0, or the errno of a failed timer_settime. The callers log the failure,
+// so that the line carries their name.
+int set_time(timer_info *handle, const itimerspec &setting) {
+    return timer_settime(handle->timer_id, 0, &setting, nullptr) != 0 ? errno : 0;
 }
 
-// The remaining time and period; false (logged) when the timer cannot be read.
-bool read_time(timer_info *handle, itimerspec *setting) {
-    if (handle == nullptr) {
-        NKW_LOGE(kTag, "The input parameter is incorrect \n");
-        return false;
-    }
+// The remaining time and period: 0, or the errno of a failed timer_gettime
+// (logged by the callers, under their name).
+int read_time(timer_info *handle, itimerspec *setting) {
     *setting = {};
-    if (timer_gettime(handle->timer_id, setting) != 0) {
-        int err = errno;
-        NKW_LOGE(kTag, "timer_gettime failed cause: %d %s \n", err, strerror(err));
-        return false;
-    }
-    return true;
+    return timer_gettime(handle->timer_id, setting) != 0 ? errno : 0;
 }
 
 bool nonzero(const timespec &t) {
@@ -110,7 +99,11 @@ int32_t nkw_pal_timer_start(timer_info *handle, uint32_t ms, uint8_t periodic) {
         NKW_LOGE(kTag, "The input parameter is incorrect \n");
         return NKW_PAL_BAD_MESSAGE;
     }
-    return set_time(handle, setting_for(ms, periodic != 0));
+    if (int err = set_time(handle, setting_for(ms, periodic != 0))) {
+        NKW_LOGE(kTag, "timer_settime failed cause: %d %s \n", err, strerror(err));
+        return -1;
+    }
+    return 0;
 }
 
 int32_t nkw_pal_timer_stop(timer_info *handle) {
@@ -118,7 +111,11 @@ int32_t nkw_pal_timer_stop(timer_info *handle) {
         NKW_LOGE(kTag, "The input parameter is incorrect \n");
         return NKW_PAL_BAD_MESSAGE;
     }
-    return set_time(handle, itimerspec{});
+    if (int err = set_time(handle, itimerspec{})) {
+        NKW_LOGE(kTag, "timer_settime failed cause: %d %s \n", err, strerror(err));
+        return -1;
+    }
+    return 0;
 }
 
 int32_t nkw_pal_timer_delete(timer_info **handle) {
@@ -139,14 +136,28 @@ int32_t nkw_pal_timer_delete(timer_info **handle) {
 }
 
 int32_t nkw_pal_timer_isRunning(timer_info *handle) {
+    if (handle == nullptr) {
+        NKW_LOGE(kTag, "The input parameter is incorrect \n");
+        return 0;
+    }
     itimerspec setting;
-    if (!read_time(handle, &setting)) return 0;
+    if (int err = read_time(handle, &setting)) {
+        NKW_LOGE(kTag, "timer_gettime failed cause: %d %s \n", err, strerror(err));
+        return 0;
+    }
     return nonzero(setting.it_value) || nonzero(setting.it_interval) ? 1 : 0;
 }
 
 int32_t nkw_pal_timer_isPeriodic(timer_info *handle) {
+    if (handle == nullptr) {
+        NKW_LOGE(kTag, "The input parameter is incorrect \n");
+        return 0;
+    }
     itimerspec setting;
-    if (!read_time(handle, &setting)) return 0;
+    if (int err = read_time(handle, &setting)) {
+        NKW_LOGE(kTag, "timer_gettime failed cause: %d %s \n", err, strerror(err));
+        return 0;
+    }
     return nonzero(setting.it_interval) ? 1 : 0;
 }
 

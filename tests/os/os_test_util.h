@@ -5,6 +5,7 @@
 #include <chrono>
 #include <condition_variable>
 #include <mutex>
+#include <string>
 
 #include "support/syslog_capture.h"
 
@@ -43,6 +44,14 @@ class Signal {
 // Every block allocated at a call site was freed again.
 inline bool allocations_balanced() {
     return syslog_matching("]-malloc 0x").size() == syslog_matching("]-free 0x").size();
+}
+
+// Some line holds `text` under the prefix of `function` (not of a helper).
+inline bool logged_by(const std::string &function, const std::string &text) {
+    for (const SyslogRecord &r : syslog_matching(text)) {
+        if (r.text.find("[" + function + ":") != std::string::npos) return true;
+    }
+    return false;
 }
 
 }  // namespace nkw::test

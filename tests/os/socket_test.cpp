@@ -6,12 +6,14 @@
 #include <unistd.h>
 
 #include <cstring>
+#include <string>
 #include <vector>
 
 #include "nkw_pal.h"
+#include "os/os_test_util.h"
 #include "os/resolver_seam.h"
-#include "support/syslog_capture.h"
 
+using nkw::test::logged_by;
 using nkw::test::resolver_seam;
 using nkw::test::syslog_contains;
 
@@ -106,29 +108,32 @@ TEST(SocketStream, BindsAnyAddressAsIpv4AndConnectsOrReportsRefusal) {
 TEST(SocketArguments, BadTypesAndMissingPiecesAreRefused) {
     ip_addr addr{};
     char buf[4];
+    // Each line is looked for under the name of the call that should log it.
     const struct {
         int32_t status, expected;
-        const char *message;
+        const char *function, *message;
     } cases[] = {
-        {nkw_pal_socket_create(3, 0), 7, "ip_type is invalid \n"},  // 7: also a descriptor
-        {nkw_pal_socket_create(0, 2), 7, "sock_type is invalid \n"},
-        {nkw_pal_socket_create(IP_TYPE_UNSPEC, 0), -1, "socket create failed "},
-        {nkw_pal_socket_connect(-1, &addr, 1, 0), 7, "fd is invalid param \n"},
-        {nkw_pal_socket_connect(0, nullptr, 1, 0), 8, "ip_addr is NULL \n"},
-        {nkw_pal_socket_connect(0, &addr, 1, 2), -1, "ip is not IPV4 or IPV6 \n"},
-        {nkw_pal_socket_bind(0, nullptr, 1), 8, "ip_addr is NULL \n"},
-        {nkw_pal_socket_sendto(0, nullptr, 1, &addr, 1, 0), 8,
+        {nkw_pal_socket_create(3, 0), 7, "create", "ip_type is invalid \n"},  // 7: also an fd
+        {nkw_pal_socket_create(0, 2), 7, "create", "sock_type is invalid \n"},
+        {nkw_pal_socket_create(IP_TYPE_UNSPEC, 0), -1, "create", "socket create failed "},
+        {nkw_pal_socket_connect(-1, &addr, 1, 0), 7, "connect", "fd is invalid param \n"},
+        {nkw_pal_socket_connect(0, nullptr, 1, 0), 8, "connect", "ip_addr is NULL \n"},
+        {nkw_pal_socket_connect(0, &addr, 1, 2), -1, "connect", "ip is not IPV4 or IPV6 \n"},
+        {nkw_pal_socket_bind(0, nullptr, 1), 8, "bind", "ip_addr is NULL \n"},
+        {nkw_pal_socket_sendto(0, nullptr, 1, &addr, 1, 0), 8, "sendto",
          "ip_addr is NULL or data is NULL \n"},
-        {nkw_pal_socket_sendto(0, "x", 1, &addr, 1, 2), -1, "ip is not IPV4 or IPV6 \n"},
-        {nkw_pal_socket_sendto(-1, "x", 1, &addr, 1, 0), -1, "send failed "},
-        {nkw_pal_socket_recvfrom(0, buf, 4, nullptr, 1, 0), 8,
+        {nkw_pal_socket_sendto(0, "x", 1, &addr, 1, 2), -1, "sendto", "ip is not IPV4 or IPV6 \n"},
+        {nkw_pal_socket_sendto(-1, "x", 1, &addr, 1, 0), -1, "sendto", "send failed "},
+        {nkw_pal_socket_recvfrom(0, buf, 4, nullptr, 1, 0), 8, "recvfrom",
          "ip_addr is NULL or data is NULL \n"},
-        {nkw_pal_socket_recvfrom(0, buf, 4, &addr, 1, 3), -1, "ip is not IPV4 or IPV6 \n"},
-        {nkw_pal_socket_recvfrom(-1, buf, 4, &addr, 1, 1), -1, "recive failed "},
+        {nkw_pal_socket_recvfrom(0, buf, 4, &addr, 1, 3), -1, "recvfrom",
+         "ip is not IPV4 or IPV6 \n"},
+        {nkw_pal_socket_recvfrom(-1, buf, 4, &addr, 1, 1), -1, "recvfrom", "recive failed "},
     };
     for (const auto &c : cases) {
         EXPECT_EQ(c.expected, c.status) << c.message;
-        EXPECT_TRUE(syslog_contains(c.message)) << c.message;
+        EXPECT_TRUE(logged_by(std::string("nkw_pal_socket_") + c.function, c.message))
+            << c.function << ": " << c.message;
     }
 }
 

@@ -10,6 +10,7 @@
 #include "os/os_test_util.h"
 
 using nkw::test::allocations_balanced;
+using nkw::test::logged_by;
 using nkw::test::Signal;
 using nkw::test::syslog_contains;
 
@@ -71,6 +72,8 @@ TEST(ThreadCreate, RefusedArgumentsLeaveTheHandleAndAllocateNothing) {
         EXPECT_TRUE(syslog_contains(c.message)) << c.message;
         EXPECT_TRUE(allocations_balanced()) << c.message;
     }
+    EXPECT_TRUE(logged_by("nkw_pal_thread_create",  // the last case's reason
+                          "The stack size is less than PTHREAD_STACK_MIN bytes. \n"));
     thread_info *handle = nullptr;
     EXPECT_EQ(7, nkw_pal_thread_delete(&handle));
     EXPECT_EQ(7, nkw_pal_thread_delete(nullptr));
@@ -92,7 +95,8 @@ TEST(ThreadLifecycle, RunsDetachedUntilDeleteCancelsIt) {
         ASSERT_EQ(0, nkw_pal_thread_create(&handle, c.name, c.attr, probe_thread, &probe));
         // The priority is never applied: the default policy skips it.
         EXPECT_EQ(c.attr != nullptr,
-                  syslog_contains("The current scheduling policy does not support priority"));
+                  logged_by("nkw_pal_thread_create",
+                            "The current scheduling policy does not support priority"));
         probe.go.post();
         ASSERT_TRUE(probe.reported.wait_for(1));
         EXPECT_TRUE(pthread_equal(probe.self, nkw_pal_thread_id(handle)));

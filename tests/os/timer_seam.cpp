@@ -24,7 +24,13 @@ int timer_create(clockid_t clock, sigevent *event, timer_t *id) {
 }
 
 int timer_settime(timer_t id, int flags, const itimerspec *setting, itimerspec *old) {
-    nkw::test::timer_seam.setting = *setting;
+    auto &seam = nkw::test::timer_seam;
+    seam.setting = *setting;
+    if (seam.fail_next_settime != 0) {
+        errno = seam.fail_next_settime;
+        seam.fail_next_settime = 0;
+        return -1;
+    }
     using SetTime = int (*)(timer_t, int, const itimerspec *, itimerspec *);
     return reinterpret_cast<SetTime>(dlsym(RTLD_NEXT, "timer_settime"))(id, flags, setting, old);
 }

@@ -13,6 +13,7 @@ namespace nkw::test {
 struct TimerSeam {
     bool substitute_clock = false;  // the alarm clock becomes CLOCK_BOOTTIME
     int fail_next_create = 0;       // errno for the next timer_create, which fails
+    int fail_next_settime = 0;      // errno for the next timer_settime, which fails
     int creates = 0;
     clockid_t clock = -1;  // of the last timer_create
     sigevent event{};

@@ -10,6 +10,7 @@
 #include "os/timer_seam.h"
 
 using nkw::test::allocations_balanced;
+using nkw::test::logged_by;
 using nkw::test::Signal;
 using nkw::test::syslog_contains;
 using nkw::test::timer_seam;
@@ -62,6 +63,8 @@ TEST_F(Timer, RefusesMissingArgumentsAndReportsOutOfMemory) {
                            nkw_pal_timer_delete(&none), nkw_pal_timer_delete(nullptr)})
         EXPECT_EQ(5, status);
     EXPECT_EQ(0, nkw_pal_timer_isRunning(nullptr) + nkw_pal_timer_isPeriodic(nullptr));
+    for (const char *function : {"nkw_pal_timer_isRunning", "nkw_pal_timer_isPeriodic"})
+        EXPECT_TRUE(logged_by(function, "The input parameter is incorrect \n")) << function;
 }
 
 TEST_F(Timer, AsksForTheAlarmClockAndSplitsMillisecondsOnStart) {
@@ -90,6 +93,12 @@ TEST_F(Timer, AsksForTheAlarmClockAndSplitsMillisecondsOnStart) {
         EXPECT_EQ(c.ms != 0, nkw_pal_timer_isRunning(handle) == 1) << c.ms;
         EXPECT_EQ(c.ms != 0 && c.periodic, nkw_pal_timer_isPeriodic(handle) == 1) << c.ms;
     }
+    timer_seam.fail_next_settime = EINVAL;
+    EXPECT_EQ(-1, nkw_pal_timer_start(handle, 10, 0));
+    timer_seam.fail_next_settime = EINVAL;
+    EXPECT_EQ(-1, nkw_pal_timer_stop(handle));
+    for (const char *function : {"nkw_pal_timer_start", "nkw_pal_timer_stop"})
+        EXPECT_TRUE(logged_by(function, "timer_settime failed cause: 22 ")) << function;
 }
 
 TEST_F(Timer, FiresOnceAfterReArmingThenPeriodicallyUntilStopped) {

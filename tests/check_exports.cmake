@@ -20,7 +20,7 @@ foreach(line IN LISTS nm_lines)
   endif()
 endforeach()
 
-file(GLOB lists "${EXPORT_LISTS}/*/*exports.list")
+file(GLOB_RECURSE lists "${EXPORT_LISTS}/*exports.list")
 set(expected "")
 foreach(list_file IN LISTS lists)
   file(STRINGS "${list_file}" lines)

@@ -4,10 +4,10 @@
 #include <cstring>
 
 #include "diag/log.h"
-#include "modem/sms_gsm_address.h"
-#include "modem/sms_gsm_text.h"
-#include "modem/sms_hex.h"
-#include "modem/sms_splicing.h"
+#include "modem/sms/gsm_address.h"
+#include "modem/sms/gsm_text.h"
+#include "modem/sms/hex.h"
+#include "modem/sms/splicing.h"
 #include "nkw_pal/sms.h"
 #include "os/heap_record.h"
 

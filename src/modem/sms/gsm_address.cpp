@@ -1,9 +1,9 @@
 // GSM address fields: swapped BCD digits with an "F" filler, or packed
 // alphanumeric text.
-#include "modem/sms_gsm_address.h"
+#include "modem/sms/gsm_address.h"
 
 #include "diag/log.h"
-#include "modem/sms_gsm_text.h"
+#include "modem/sms/gsm_text.h"
 
 namespace nkw::sms {
 namespace {

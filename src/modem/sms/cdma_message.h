@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-#include "modem/sms_cdma_bits.h"
+#include "modem/sms/cdma_bits.h"
 
 namespace nkw::sms {
 

@@ -2,8 +2,8 @@
 #include <cstring>
 
 #include "diag/log.h"
-#include "modem/sms_cdma_message.h"
-#include "modem/sms_hex.h"
+#include "modem/sms/cdma_message.h"
+#include "modem/sms/hex.h"
 #include "nkw_pal/sms.h"
 #include "os/heap_record.h"
 

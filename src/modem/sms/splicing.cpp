@@ -1,11 +1,11 @@
 // Concatenation state of GSM message parts. Callers always receive the part
 // they decoded; the joined text is assembled per call and only logged.
-#include "modem/sms_splicing.h"
+#include "modem/sms/splicing.h"
 
 #include <cstring>
 
 #include "diag/log.h"
-#include "modem/sms_hex.h"
+#include "modem/sms/hex.h"
 #include "os/heap_record.h"
 
 namespace nkw::sms {

@@ -1,5 +1,5 @@
 // Renders decoded SMS data as hex text for diagnostics.
-#include "modem/sms_hex.h"
+#include "modem/sms/hex.h"
 
 #include "os/heap_record.h"
 

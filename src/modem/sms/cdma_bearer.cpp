@@ -1,7 +1,7 @@
 // CDMA SMS bearer data: the subparameters inside parameter 8, user data
 // among them.
 #include "diag/log.h"
-#include "modem/sms_cdma_message.h"
+#include "modem/sms/cdma_message.h"
 
 namespace nkw::sms {
 namespace {

@@ -1,5 +1,5 @@
 // MSB-first bit reader and writer of the CDMA SMS decoder.
-#include "modem/sms_cdma_bits.h"
+#include "modem/sms/cdma_bits.h"
 
 #include "diag/log.h"
 

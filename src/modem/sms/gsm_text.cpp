@@ -1,5 +1,5 @@
 // GSM 7-bit default alphabet to ISO 8859-1, and septet unpacking.
-#include "modem/sms_gsm_text.h"
+#include "modem/sms/gsm_text.h"
 
 namespace nkw::sms {
 namespace {

@@ -3,7 +3,7 @@
 #include <cstring>
 
 #include "diag/log.h"
-#include "modem/sms_cdma_message.h"
+#include "modem/sms/cdma_message.h"
 
 namespace nkw::sms {
 namespace {

@@ -10,8 +10,8 @@ endif()
 # under development link and run against it.
 if(NOT NKW_PAL_MIPC_SDK_DIR)
   list(APPEND nkw_pal_install_targets mipc_msg)
-  install(FILES ${PROJECT_SOURCE_DIR}/modem_ipc/include/mipc_msg.h
-          ${PROJECT_SOURCE_DIR}/sim/include/mipc_sim.h ${PROJECT_SOURCE_DIR}/sim/include/mipc_sim_at.h
+  file(GLOB sim_headers CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/sim/include/*.h)
+  install(FILES ${PROJECT_SOURCE_DIR}/modem_ipc/include/mipc_msg.h ${sim_headers}
           DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/mipc_sim)
 endif()
 
@@ -31,8 +31,13 @@ install(FILES ${PROJECT_BINARY_DIR}/nkw_palConfig.cmake
               ${PROJECT_BINARY_DIR}/nkw_palConfigVersion.cmake
         DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/nkw_pal)
 
-# Relative to the .pc file, so the installed tree can be moved (a staging dir).
-file(RELATIVE_PATH NKW_PAL_PC_PREFIX_FROM_PCDIR "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig"
-     "${CMAKE_INSTALL_PREFIX}")
-configure_file(${PROJECT_SOURCE_DIR}/cmake/nkw_pal.pc.in ${PROJECT_BINARY_DIR}/nkw_pal.pc @ONLY)
-install(FILES ${PROJECT_BINARY_DIR}/nkw_pal.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+# The pkg-config file names the prefix the tree is installed to.
+install(CODE "
+  set(NKW_PAL_PC_TEMPLATE \"${PROJECT_SOURCE_DIR}/cmake/nkw_pal.pc.in\")
+  set(NKW_PAL_PC_BINARY_DIR \"${PROJECT_BINARY_DIR}\")
+  set(NKW_PAL_PC_LIBDIR_REL \"${CMAKE_INSTALL_LIBDIR}\")
+  set(NKW_PAL_PC_INCLUDEDIR_REL \"${CMAKE_INSTALL_INCLUDEDIR}\")
+  set(PROJECT_DESCRIPTION \"${PROJECT_DESCRIPTION}\")
+  set(PROJECT_VERSION \"${PROJECT_VERSION}\")
+  include(\"${PROJECT_SOURCE_DIR}/cmake/WritePkgConfig.cmake\")
+")

@@ -1,67 +1,104 @@
-// A small daemon on the simulated modem: it opens the log and the modem
-// session, registers a command handler, has the (simulated) modem send it a
-// command, reads the command's parameter and answers it. Its log lines go to
-// the system log, to be read with logread as on the module.
+// A small daemon on the simulated modem, in steps. Each step logs a marker
+// line "step N: <title>" and prints its title and what its log lines show,
+// so tools/demo.sh can show the system log step by step with an explanation.
 #include <nkw_pal.h>
 
 #include <cstdio>
-#include <cstring>
 
 #include "mipc_sim.h"
 
 namespace {
 
+constexpr const char *kTag = "DEMO";
 constexpr uint32_t kDemoCommandId = 0x8F70;
 constexpr uint16_t kParamTlv = 256;
 constexpr uint16_t kResultTlv = 0;
 
+int g_step = 0;
+
+// Starts a step: its marker in the system log, its explanation on stdout.
+void step(const char *title, const char *explanation) {
+    ++g_step;
+    nkw_pal_logi(kTag, "[%s:%d]-step %d: %s \n", __func__, __LINE__, g_step, title);
+    std::printf("step %d: %s\n%s\n\n", g_step, title, explanation);
+}
+
 mipc_result_enum on_demo_command(mipc_msg_t *msg, void *) {
     uint16_t type = kParamTlv;
     uint16_t *type_ref = &type;
-    uint32_t needed = 0;
-    // First ask for the size, then fetch the value into a buffer that fits.
-    nkw_pal_modem_msg_get(msg, &type_ref, nullptr, 0, &needed);
+    uint32_t length = 0;
     char param[256] = {};
-    if (needed >= sizeof param ||
-        nkw_pal_modem_msg_get(msg, &type_ref, param, sizeof param - 1, &needed) != 0) {
-        nkw_pal_loge("DEMO", "[%s:%d]-demo command without a usable parameter \n", __func__,
+    // Room for any parameter the command can carry, and a terminator.
+    if (nkw_pal_modem_msg_get(msg, &type_ref, param, sizeof param - 1, &length) != 0) {
+        nkw_pal_loge(kTag, "[%s:%d]-demo command without a usable parameter \n", __func__,
                      __LINE__);
         return MIPC_RESULT_FAILURE;
     }
-    nkw_pal_logi("DEMO", "[%s:%d]-demo command received, param: %s \n", __func__, __LINE__, param);
+    nkw_pal_logi(kTag, "[%s:%d]-demo command received, param: %s \n", __func__, __LINE__, param);
 
     mipc_msg_t *reply = mipc_msg_copy_hdr(msg);
     const uint32_t ok = 0;
     mipc_msg_add_tlv(reply, kResultTlv, sizeof ok, &ok);
     mipc_result_enum sent = mipc_msg_rsp(reply);
     mipc_msg_deinit(reply);
-    nkw_pal_logi("DEMO", "[%s:%d]-demo command answered: %d \n", __func__, __LINE__, sent);
+    nkw_pal_logi(kTag, "[%s:%d]-demo command answered: %d \n", __func__, __LINE__, sent);
     return sent;
+}
+
+bool open_log() {
+    step("open the system log",
+         "  nkw_pal_log_init creates the semaphore that guards the log level, then opens\n"
+         "  the system log under the process's name. Lines written before that (this\n"
+         "  step's marker and the semaphore's) reach syslog with facility user and no\n"
+         "  PID; from then on they carry facility daemon and the PID. \"malloc <address>\n"
+         "  <size>\" and \"free <address>\" are the library's heap records: every\n"
+         "  allocation and release is logged where it happens, so a leak shows as a\n"
+         "  malloc without its free.");
+    return nkw_pal_log_init() == 0;
+}
+
+bool open_modem_session() {
+    step("open the modem session",
+         "  nkw_pal_modem_msg_init opens the daemon's session with the modem IPC\n"
+         "  library (here the simulated modem); it logs nothing when it succeeds.");
+    return nkw_pal_modem_msg_init("pal_demo") == 0;
+}
+
+bool answer_modem_command() {
+    step("answer a command from the modem",
+         "  The daemon registers a handler for a modem command; the simulated modem\n"
+         "  sends one with a text parameter (TLV 256). The handler reads it with\n"
+         "  nkw_pal_modem_msg_get (MODEM lines: the TLV asked for, then its length)\n"
+         "  and replies with result 0.");
+    mipc_msg_register_cmd_api(kDemoCommandId, on_demo_command, 0, nullptr);
+    int handled =
+        mipc_sim::deliver_command(kDemoCommandId, {mipc_sim::tlv_text(kParamTlv, "AT+DEMO=42")});
+    std::printf("  handler returned %d, replies sent: %zu\n\n", handled,
+                mipc_sim::replies().size());
+    return handled == 0;
+}
+
+void close_all() {
+    step("close the modem session and the log",
+         "  nkw_pal_modem_msg_deinit ends the session; nkw_pal_log_close closes the\n"
+         "  system log and releases the semaphore (its two heap records are freed).");
+    nkw_pal_modem_msg_deinit();
+    nkw_pal_log_close();
 }
 
 }  // namespace
 
 int main() {
-    if (nkw_pal_log_init() != 0) {
+    if (!open_log()) {
         std::fprintf(stderr, "pal_demo: log init failed\n");
         return 1;
     }
-    if (nkw_pal_modem_msg_init("pal_demo") != 0) {
+    if (!open_modem_session()) {
         std::fprintf(stderr, "pal_demo: modem session failed\n");
         nkw_pal_log_close();
         return 1;
     }
-    nkw_pal_logi("DEMO", "[%s:%d]-modem session open \n", __func__, __LINE__);
-    mipc_msg_register_cmd_api(kDemoCommandId, on_demo_command, 0, nullptr);
-
-    // The simulated modem forwards a command to us, as the real one would.
-    int handled =
-        mipc_sim::deliver_command(kDemoCommandId, {mipc_sim::tlv_text(kParamTlv, "AT+DEMO=42")});
-    std::printf("pal_demo: handler returned %d, replies sent: %zu\n", handled,
-                mipc_sim::replies().size());
-
-    nkw_pal_modem_msg_deinit();
-    nkw_pal_logi("DEMO", "[%s:%d]-modem session closed \n", __func__, __LINE__);
-    nkw_pal_log_close();
-    return handled == 0 ? 0 : 1;
+    bool ok = answer_modem_command();
+    close_all();
+    return ok ? 0 : 1;
 }

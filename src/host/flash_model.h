@@ -34,6 +34,9 @@ enum nkw_pal_sim_flash_fault {
 int nkw_pal_sim_flash_create(int device, uint32_t size, uint32_t erase_size, uint32_t write_size);
 // Removes every device and closes descriptors left open on them.
 void nkw_pal_sim_flash_reset(void);
+// Drops the library's partition table so the next scan reads "/proc/mtd"
+// again (the library itself keeps it for the process).
+void nkw_pal_sim_flash_forget_partitions(void);
 // The device's bytes, for tests to preload and inspect; NULL if absent.
 uint8_t *nkw_pal_sim_flash_image(int device);
 int nkw_pal_sim_flash_inject(int device, uint32_t block, int fault, int count);

@@ -13,6 +13,7 @@
 
 #include "host/flash_model.h"
 #include "nkw_pal/common.h"
+#include "storage/mtd/mtd.h"
 
 namespace {
 
@@ -281,6 +282,10 @@ NKW_PAL_API void nkw_pal_sim_flash_reset(void) {
         device = nullptr;
     }
     g_mount_errors[0] = g_mount_errors[1] = 0;
+}
+
+NKW_PAL_API void nkw_pal_sim_flash_forget_partitions(void) {
+    nkw::storage::mtd::forget_table();
 }
 
 NKW_PAL_API uint8_t *nkw_pal_sim_flash_image(int number) {

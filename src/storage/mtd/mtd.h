@@ -52,6 +52,11 @@ int read_range(const nkw_mtd_partition *partition, char *buf, int64_t len, int64
 // 0, or non-zero with errno set (ENOSPC when the partition ends).
 int write_good_block(nkw_mtd_write_context *context, const char *data);
 
+// Frees the partition table so the next scan reads "/proc/mtd" again. The
+// library never forgets it; test builds use this to scan many lists in one
+// process.
+void forget_table();
+
 // Refuses a NULL partition or one without an erase size (nothing could be
 // read or written in blocks of it), with errno EINVAL and a line naming the
 // caller.

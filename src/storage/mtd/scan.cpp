@@ -84,6 +84,17 @@ bool take_line(const char *line) {
 
 }  // namespace
 
+namespace nkw::storage::mtd {
+
+void forget_table() {
+    if (g_table == nullptr) return;
+    clear_table();
+    std::free(g_table);
+    g_table = nullptr;
+}
+
+}  // namespace nkw::storage::mtd
+
 extern "C" {
 
 NKW_PAL_API int nkw_mtd_scan_partitions(void) {

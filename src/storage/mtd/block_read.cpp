@@ -27,7 +27,9 @@ int read_open(const nkw_mtd_partition *partition, int fd, char *buf, int64_t len
         std::fprintf(stderr, "mtd: ECCGETSTATS error (%s)\n", std::strerror(errno));
         return kEccStatsFailed;
     }
-    if (sys::lseek(fd, static_cast<off_t>(offset), SEEK_SET) != offset) return kSeekFailed;
+    // A failed seek returns -1, which a negative offset would match.
+    off_t pos = sys::lseek(fd, static_cast<off_t>(offset), SEEK_SET);
+    if (pos < 0 || pos != offset) return kSeekFailed;
     if (len < 0 || offset + len > static_cast<int64_t>(partition->size)) return kBeyondPartition;
     if (sys::read(fd, buf, static_cast<size_t>(len)) != len) return kShortRead;
     return 0;

@@ -200,17 +200,25 @@ TEST_F(BlockTest, RoundedSizesAndRefusedArguments) {
         EXPECT_EQ(nkw_mtd_malloc_all_size(partition_, s[0], s[1]), s[2]) << s[0] << "+" << s[1];
     }
     nkw_mtd_partition absent{9, kSize, kBlock, nullptr};
+    nkw_mtd_partition no_blocks{kDevice, kSize, 0, nullptr};
     char buf[kBlock];
     testing::internal::CaptureStderr();
-    EXPECT_EQ(nkw_tolv_mtd_read_one_block(&absent, 0, buf), -1);
-    EXPECT_EQ(nkw_mtd_read_block(&absent, buf, 1, 0), -1);
-    EXPECT_EQ(nkw_mtd_write_one_block(&absent, 0, buf), -1);
-    EXPECT_EQ(nkw_mtd_write_block(&absent, buf, 1, 0), -1);
-    EXPECT_EQ(nkw_mtd_erase_block(&absent, 1, 0), -1);
+    for (const nkw_mtd_partition *p : {&absent, &no_blocks}) {
+        EXPECT_EQ(nkw_tolv_mtd_read_one_block(p, 0, buf), -1);
+        EXPECT_EQ(nkw_mtd_read_block(p, buf, 1, 0), -1);
+        EXPECT_EQ(nkw_mtd_write_one_block(p, 0, buf), -1);
+        EXPECT_EQ(nkw_mtd_write_block(p, buf, 1, 0), -1);
+        EXPECT_EQ(nkw_mtd_erase_block(p, 1, 0), -1);
+        EXPECT_EQ(nkw_mtd_read_partition(p), nullptr);
+        EXPECT_EQ(nkw_mtd_write_partition(p), nullptr);
+    }
     EXPECT_EQ(nkw_mtd_read_block(partition_, nullptr, 1, 0), -1);
     EXPECT_EQ(nkw_mtd_write_block(partition_, nullptr, 1, 0), -1);
-    EXPECT_EQ(nkw_mtd_write_block(nullptr, buf, 1, 0), -1);
     EXPECT_EQ(nkw_mtd_malloc_all_size(nullptr, 0, 1), 0u);
+    EXPECT_EQ(nkw_mtd_read_data(nullptr, buf, 1), -1);
+    EXPECT_EQ(nkw_mtd_write_data(nullptr, buf, 1), -1);
+    EXPECT_EQ(nkw_mtd_erase_blocks(nullptr, 1), -1);
+    EXPECT_EQ(nkw_mtd_write_close(nullptr), -1);
     testing::internal::GetCapturedStderr();
     EXPECT_TRUE(image(kDevice, kSize) == stored_);
 }

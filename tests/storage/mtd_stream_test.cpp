@@ -96,9 +96,19 @@ TEST_F(StreamTest, WrittenDataReadsBackWithTheLastBlockZeroPadded) {
     }
 }
 
+constexpr int kNoBadBlockSupport = -1;
+
+void place(int fault, int count) {
+    if (fault == kNoBadBlockSupport) {
+        nkw_pal_sim_flash_set_bad_block_support(kDevice, 0);
+    } else {
+        nkw_pal_sim_flash_inject(kDevice, 1, fault, count);
+    }
+}
+
 struct WriteFault {
     const char *what;
-    int fault;
+    int fault;  // on block 1
     int count;
     std::vector<uint32_t> blocks_used;  // where the three data blocks land
     const char *message;
@@ -121,10 +131,11 @@ TEST_F(StreamTest, FailingBlocksAreSkippedAndListed) {
          "mtd: re-read error at 0x00001000", 3},
         {"grows bad on erase", NKW_SIM_FLASH_WEARS_OUT, 0, {0, 2, 3},
          "mtd: skipping write block at 0x00001000\n", 0},
+        {"no bad-block support", kNoBadBlockSupport, 0, {0, 1, 2}, "", 1},
     };
     for (const WriteFault &c : cases) {
         nkw_pal_sim_flash_create(kDevice, kSize, kBlock, 1);
-        nkw_pal_sim_flash_inject(kDevice, 1, c.fault, c.count);
+        place(c.fault, c.count);
         const Bytes data = pattern(3 * kBlock, 7);
 
         testing::internal::CaptureStderr();
@@ -149,19 +160,6 @@ TEST_F(StreamTest, FailingBlocksAreSkippedAndListed) {
         }
         EXPECT_EQ(nkw_pal_sim_flash_erase_count(kDevice, 1), c.erases_of_block_1) << c.what;
     }
-}
-
-TEST_F(StreamTest, DevicesWithoutBadBlockSupportAreWritten) {
-    nkw_pal_sim_flash_set_bad_block_support(kDevice, 0);
-    const Bytes data = pattern(2 * kBlock, 3);
-    ASSERT_EQ(write_stream(data, {data.size()}), 0);
-    EXPECT_EQ(slice(image(kDevice, kSize), 0, data.size()), data);
-    // The read path takes any MEMGETBADBLOCK answer but 0 as a bad block.
-    testing::internal::CaptureStderr();
-    EXPECT_TRUE(read_stream(kBlock, {kBlock}).empty());
-    EXPECT_NE(testing::internal::GetCapturedStderr().find(
-                  "mtd: MEMGETBADBLOCK returned -1 at 0x00000000 (errno=95)\n"),
-              std::string::npos);
 }
 
 TEST_F(StreamTest, StreamsStopAtTheEndOfThePartition) {
@@ -212,12 +210,15 @@ TEST_F(StreamTest, ReadsSkipUnreadableBlocks) {
          "mtd: MEMGETBADBLOCK returned 1 at 0x00001000 (errno="},
         {"ECC counters unreadable", {{NKW_SIM_FLASH_ECC_STATS_FAILURE, 1}}, {},
          "mtd: ECCGETSTATS error (Input/output error)\n"},
+        // Any MEMGETBADBLOCK answer but 0 counts as a bad block here.
+        {"no bad-block support", {{kNoBadBlockSupport, 0}}, {},
+         "mtd: MEMGETBADBLOCK returned -1 at 0x00000000 (errno=95)\n"},
     };
     const Bytes stored = pattern(kSize, 11);
     for (const ReadFault &c : cases) {
         nkw_pal_sim_flash_create(kDevice, kSize, kBlock, 1);
         preload(kDevice, stored);
-        for (auto [fault, count] : c.faults) nkw_pal_sim_flash_inject(kDevice, 1, fault, count);
+        for (auto [fault, count] : c.faults) place(fault, count);
         testing::internal::CaptureStderr();
         Bytes out = read_stream(3 * kBlock, {kBlock / 2, 3 * kBlock});
         const std::string log = testing::internal::GetCapturedStderr();
@@ -229,19 +230,6 @@ TEST_F(StreamTest, ReadsSkipUnreadableBlocks) {
         EXPECT_EQ(out, expected) << c.what;
         EXPECT_NE(log.find(c.message), std::string::npos) << c.what << "\n" << log;
     }
-}
-
-TEST_F(StreamTest, SkipToMovesTheDevicePosition) {
-    const Bytes stored = pattern(kSize, 13);
-    preload(kDevice, stored);
-    nkw_mtd_read_context *r = nkw_mtd_read_partition(partition_);
-    ASSERT_NE(r, nullptr);
-    EXPECT_EQ(nkw_mtd_read_skip_to(r, 2 * kBlock), 2 * kBlock);
-    Bytes out(kBlock);
-    ASSERT_EQ(nkw_mtd_read_data(r, reinterpret_cast<char *>(out.data()), kBlock), kBlock);
-    EXPECT_EQ(out, slice(stored, 2 * kBlock, kBlock));
-    EXPECT_EQ(nkw_mtd_read_skip_to(r, kSize + 1), -1);
-    nkw_mtd_read_close(r);
 }
 
 struct EraseCase {
@@ -279,28 +267,6 @@ TEST_F(StreamTest, EraseBlocksErasesFromThePositionSkippingBadOnes) {
                 << c.what << ": block " << b;
         }
     }
-}
-
-TEST_F(StreamTest, MissingArgumentsAndDevicesAreRefused) {
-    nkw_mtd_partition absent{9, kSize, kBlock, nullptr};
-    nkw_mtd_partition no_blocks{kDevice, kSize, 0, nullptr};
-    testing::internal::CaptureStderr();
-    EXPECT_EQ(nkw_mtd_read_partition(nullptr), nullptr);
-    EXPECT_EQ(nkw_mtd_read_partition(&absent), nullptr);
-    EXPECT_EQ(nkw_mtd_read_partition(&no_blocks), nullptr);
-    EXPECT_EQ(nkw_mtd_write_partition(nullptr), nullptr);
-    EXPECT_EQ(nkw_mtd_write_partition(&absent), nullptr);
-    EXPECT_EQ(nkw_mtd_write_partition(&no_blocks), nullptr);
-    EXPECT_EQ(nkw_mtd_read_data(nullptr, nullptr, 1), -1);
-    EXPECT_EQ(nkw_mtd_write_data(nullptr, "x", 1), -1);
-    EXPECT_EQ(nkw_mtd_erase_blocks(nullptr, 1), -1);
-    EXPECT_EQ(nkw_mtd_write_close(nullptr), -1);
-    EXPECT_EQ(mtd_find_write_start(nullptr, 0), -1);
-    EXPECT_EQ(nkw_mtd_read_skip_to(nullptr, 0), -1);
-    nkw_mtd_read_close(nullptr);
-    EXPECT_NE(testing::internal::GetCapturedStderr().find(
-                  "mtd: nkw_mtd_write_data: missing partition, context or buffer\n"),
-              std::string::npos);
 }
 
 }  // namespace

@@ -44,70 +44,52 @@ Bytes rewritten(const Bytes &before, uint32_t offset, const Bytes &data) {
 struct RangeCase {
     uint32_t offset;
     uint32_t len;
-    int result;  // of both nkw_mtd_write_block and nkw_mtd_erase_block
+    int erase_failures;  // of the first touched block
+    int result;          // of both nkw_mtd_write_block and nkw_mtd_erase_block
 };
 
 TEST_F(BlockTest, RangesKeepTheOtherBytesOfTheirBlocks) {
     const RangeCase cases[] = {
-        {0x10, 0x20, 0},
-        {0x20, 0, 0},
-        {0, kBlock, 0},             // tail: the whole next block, read and rewritten
-        {0xFF0, 0x20, 0},           // across two blocks
-        {0x1010, 0x20, 0},          // erases blocks 1 and 2, rewrites block 1 only
-        {0x3000, 0x100, 0},         // erases blocks 3 to 6
-        {0, kSize - 0x10, 0},
-        {0x4010, 0x10, -4},         // the erase would run past the end
-        {kSize - kBlock, kBlock, -2},  // the tail block lies past the end
-        {kSize - 0x100, 0x200, -2},
-        {0, kSize, -2},
+        {0x10, 0x20, 0, 0},
+        {0x20, 0, 0, 0},
+        {0, kBlock, 0, 0},             // tail: the whole next block, read and rewritten
+        {0xFF0, 0x20, 0, 0},           // across two blocks
+        {0x1010, 0x20, 0, 0},          // erases blocks 1 and 2, rewrites block 1 only
+        {0x3000, 0x100, 0, 0},         // erases blocks 3 to 6
+        {0, kSize - 0x10, 0, 0},
+        {0x1100, 0x10, 1, 0},          // the erase is retried once
+        {0x1100, 0x10, 2, -4},
+        {0x4010, 0x10, 0, -4},         // the erase would run past the end
+        {kSize - kBlock, kBlock, 0, -2},  // the tail block lies past the end
+        {kSize - 0x100, 0x200, 0, -2},
+        {0, kSize, 0, -2},
     };
     for (const RangeCase &c : cases) {
         for (bool erase : {false, true}) {
             const std::string what = (erase ? "erase " : "write ") + std::to_string(c.offset) +
                                      "+" + std::to_string(c.len);
+            nkw_pal_sim_flash_create(kDevice, kSize, kBlock, 1);
             preload(kDevice, stored_);
+            nkw_pal_sim_flash_inject(kDevice, c.offset / kBlock, NKW_SIM_FLASH_ERASE_FAILURE,
+                                     c.erase_failures);
             const Bytes data = erase ? Bytes(c.len, 0xFF) : pattern(c.len, c.offset + 1);
             testing::internal::CaptureStderr();
             const char *bytes = c.len == 0 ? "" : reinterpret_cast<const char *>(data.data());
             int result = erase ? nkw_mtd_erase_block(partition_, c.len, c.offset)
                                : nkw_mtd_write_block(partition_, bytes, c.len, c.offset);
-            testing::internal::GetCapturedStderr();
+            const std::string log = testing::internal::GetCapturedStderr();
             EXPECT_EQ(result, c.result) << what;
+            if (c.erase_failures > 0) {
+                EXPECT_EQ(log.rfind(erase ? "mtd: tolv_mtd_erase_block erase failure at 0x00001000 "
+                                          : "mtd: erase failure at 0x00001000 ",
+                                    0),
+                          0u)
+                    << what << log;
+            }
             const Bytes expected = c.result == 0 ? rewritten(stored_, c.offset, data) : stored_;
             EXPECT_TRUE(image(kDevice, kSize) == expected) << what;
         }
     }
-}
-
-struct EraseFault {
-    int count;
-    int result;
-    const char *message;
-};
-
-TEST_F(BlockTest, RangeEraseIsRetriedOnce) {
-    const EraseFault cases[] = {
-        {1, 0, "mtd: erase failure at 0x00001000 (Input/output error)\n"
-               "mtd: wrote block after 1 retries\n"},
-        {2, -4, "mtd: erase failure at 0x00001000 (Input/output error)\n"},
-    };
-    const Bytes data = pattern(0x10, 5);
-    for (const EraseFault &c : cases) {
-        preload(kDevice, stored_);
-        nkw_pal_sim_flash_inject(kDevice, 1, NKW_SIM_FLASH_ERASE_FAILURE, c.count);
-        testing::internal::CaptureStderr();
-        EXPECT_EQ(nkw_mtd_write_block(partition_, reinterpret_cast<const char *>(data.data()),
-                                      0x10, 0x1100),
-                  c.result);
-        EXPECT_EQ(testing::internal::GetCapturedStderr(), c.message);
-        EXPECT_TRUE(image(kDevice, kSize) ==
-                    (c.result == 0 ? rewritten(stored_, 0x1100, data) : stored_));
-    }
-    nkw_pal_sim_flash_inject(kDevice, 1, NKW_SIM_FLASH_ERASE_FAILURE, 2);
-    testing::internal::CaptureStderr();
-    EXPECT_EQ(nkw_mtd_erase_block(partition_, 0x10, 0x1100), -4);
-    EXPECT_EQ(testing::internal::GetCapturedStderr(),
-              "mtd: tolv_mtd_erase_block erase failure at 0x00001000 (Input/output error)\n");
 }
 
 struct ReadCase {

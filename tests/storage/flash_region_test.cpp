@@ -61,6 +61,7 @@ struct RegionCase {
 
 TEST_F(FlashRegionTest, RangesGiveTheirStatusesAndMessages) {
     const uint32_t wrapping = 0xFFFFFFF0;  // with offset 0x100 the sum is 0xF0
+    // clang-format off
     const RegionCase cases[] = {
         {"read", kRead, 0x10, 0x20, false, -1, NKW_PAL_OK, ""},
         {"read without data", kRead, 0x10, 0x20, true, -1, NKW_PAL_FLASH_PARAM_ERROR,
@@ -91,6 +92,7 @@ TEST_F(FlashRegionTest, RangesGiveTheirStatusesAndMessages) {
         {"erase a wrapping range", kErase, 0x100, wrapping, false, -1, NKW_PAL_FLASH_ERASE_ERROR,
          "erase block error. \n"},
     };
+    // clang-format on
     ASSERT_NO_FATAL_FAILURE(install({{kDevice, kSize, kBlock, "mddata_bak"}}));
     ASSERT_EQ(nkw_pal_flash_init(), NKW_PAL_OK);
     const Bytes stored = pattern(kSize, 17);

@@ -49,6 +49,7 @@ struct RangeCase {
 };
 
 TEST_F(BlockTest, RangesKeepTheOtherBytesOfTheirBlocks) {
+    // clang-format off
     const RangeCase cases[] = {
         {0x10, 0x20, 0, 0},
         {0x20, 0, 0, 0},
@@ -64,6 +65,7 @@ TEST_F(BlockTest, RangesKeepTheOtherBytesOfTheirBlocks) {
         {kSize - 0x100, 0x200, 0, -2},
         {0, kSize, 0, -2},
     };
+    // clang-format on
     for (const RangeCase &c : cases) {
         for (bool erase : {false, true}) {
             const std::string what = (erase ? "erase " : "write ") + std::to_string(c.offset) +
@@ -94,14 +96,15 @@ TEST_F(BlockTest, RangesKeepTheOtherBytesOfTheirBlocks) {
 
 struct ReadCase {
     const char *what;
-    int index;   // whole-block read when len < 0
+    int index;  // whole-block read when len < 0
     int len;
     int offset;
-    int fault;   // on block 1, or -1
+    int fault;  // on block 1, or -1
     int result;
 };
 
 TEST_F(BlockTest, DirectReadsReturnTheirCodes) {
+    // clang-format off
     const ReadCase cases[] = {
         {"block 1", 1, -1, 0, -1, 0},
         {"last block", 7, -1, 0, -1, 0},
@@ -117,6 +120,7 @@ TEST_F(BlockTest, DirectReadsReturnTheirCodes) {
         {"negative offset", 0, 0x10, -1, -1, -3},
         {"short range read", 0, 0x20, 0x1010, NKW_SIM_FLASH_SHORT_READ, -4},
     };
+    // clang-format on
     for (const ReadCase &c : cases) {
         nkw_pal_sim_flash_create(kDevice, kSize, kBlock, 1);
         preload(kDevice, stored_);
@@ -146,6 +150,7 @@ struct WriteCase {
 };
 
 TEST_F(BlockTest, WholeBlockWritesEraseFirstAndReturnTheirCodes) {
+    // clang-format off
     const WriteCase cases[] = {
         {"block 2", 2, -1, 0, 0},
         {"block at the end", 8, -1, 0, -4},
@@ -154,6 +159,7 @@ TEST_F(BlockTest, WholeBlockWritesEraseFirstAndReturnTheirCodes) {
         {"erase failing twice", 2, NKW_SIM_FLASH_ERASE_FAILURE, 2, -4},
         {"bad block", 2, NKW_SIM_FLASH_BAD_BLOCK, 0, -4},
     };
+    // clang-format on
     const Bytes data = pattern(kBlock, 3);
     for (const WriteCase &c : cases) {
         nkw_pal_sim_flash_create(kDevice, kSize, kBlock, 1);
@@ -172,12 +178,14 @@ TEST_F(BlockTest, WholeBlockWritesEraseFirstAndReturnTheirCodes) {
 }
 
 TEST_F(BlockTest, RoundedSizesAndRefusedArguments) {
+    // clang-format off
     const uint32_t sizes[][3] = {{0, 0, 0},
                                  {0, 1, kBlock},
                                  {kBlock - 1, 1, kBlock},
                                  {kBlock, 1, 2 * kBlock},
                                  {0x1010, 0x20, 2 * kBlock},
                                  {0xFFFFFFFF, 2, kBlock}};  // the sum wraps to 1
+    // clang-format on
     for (const auto &s : sizes) {
         EXPECT_EQ(nkw_mtd_malloc_all_size(partition_, s[0], s[1]), s[2]) << s[0] << "+" << s[1];
     }

@@ -75,7 +75,9 @@ inline Bytes slice(const Bytes &bytes, size_t at, size_t n) {
 class FlashTest : public testing::Test {
    protected:
     void SetUp() override { nkw_pal_sim_flash_reset(); }
-    void TearDown() override { EXPECT_EQ(nkw_pal_sim_flash_open_count(), 0) << "descriptor left open"; }
+    void TearDown() override {
+        EXPECT_EQ(nkw_pal_sim_flash_open_count(), 0) << "descriptor left open";
+    }
 };
 
 }  // namespace nkw::test

@@ -28,6 +28,7 @@ struct ScanCase {
 
 TEST_F(ScanTest, ListedLinesFillTheirSlots) {
     const std::string long_name(70, 'n');
+    // clang-format off
     const ScanCase cases[] = {
         {"header and the boot renames",
          "dev:    size   erasesize  name\n"
@@ -59,6 +60,7 @@ TEST_F(ScanTest, ListedLinesFillTheirSlots) {
          {{2, 0x4000, 0x2000, "second"}}},
         {"an empty list", "", 0, {}},
     };
+    // clang-format on
     for (const ScanCase &c : cases) {
         nkw_pal_sim_flash_forget_partitions();
         write_proc_mtd(c.proc_mtd);
@@ -146,6 +148,7 @@ struct MountCase {
 TEST_F(ScanTest, MountFallsBackToReadOnlyAndFixesExecuteBits) {
     constexpr unsigned long kFlags = MS_NOATIME | MS_NODEV | MS_NODIRATIME;
     constexpr unsigned long kReadOnly = kFlags | MS_RDONLY;
+    // clang-format off
     const MountCase cases[] = {
         {"no mount point", 0, 0, 0, 0, -1, {kFlags}, "", 0},  // first: none exists yet
         {"read-write", 0, 0, 0, 0755, 0, {kFlags}, "", 0755},
@@ -158,6 +161,7 @@ TEST_F(ScanTest, MountFallsBackToReadOnlyAndFixesExecuteBits) {
         {"execute bits missing", 0, 0, 0, 0640, 0, {kFlags},
          "Fixing execute permissions for /cache\n", 0751},
     };
+    // clang-format on
     install({{4, 0x4000, 0x1000, "cache"}});
     const nkw_mtd_partition *p = nkw_mtd_find_partition_by_name("cache");
     for (const MountCase &c : cases) {

@@ -73,6 +73,7 @@ struct RoundTrip {
 };
 
 TEST_F(StreamTest, WrittenDataReadsBackWithTheLastBlockZeroPadded) {
+    // clang-format off
     const RoundTrip cases[] = {
         {kBlock * 3 / 2, {kBlock * 3 / 2}, {kBlock * 2}},
         {kBlock * 3 / 2, {1000}, {1, 4095, 4097}},
@@ -80,6 +81,7 @@ TEST_F(StreamTest, WrittenDataReadsBackWithTheLastBlockZeroPadded) {
         {kSize, {kSize}, {kSize}},
         {1, {1}, {kBlock}},
     };
+    // clang-format on
     for (const RoundTrip &c : cases) {
         nkw_pal_sim_flash_create(kDevice, kSize, kBlock, 1);  // stale bits would show
         preload(kDevice, Bytes(kSize, 0x5A));
@@ -116,6 +118,7 @@ struct WriteFault {
 };
 
 TEST_F(StreamTest, FailingBlocksAreSkippedAndListed) {
+    // clang-format off
     const WriteFault cases[] = {
         {"factory bad", NKW_SIM_FLASH_BAD_BLOCK, 0, {0, 2, 3},
          "mtd: not writing bad block at 0x00001000 (ret 1 errno", 0},
@@ -133,6 +136,7 @@ TEST_F(StreamTest, FailingBlocksAreSkippedAndListed) {
          "mtd: skipping write block at 0x00001000\n", 0},
         {"no bad-block support", kNoBadBlockSupport, 0, {0, 1, 2}, "", 1},
     };
+    // clang-format on
     for (const WriteFault &c : cases) {
         nkw_pal_sim_flash_create(kDevice, kSize, kBlock, 1);
         place(c.fault, c.count);
@@ -184,11 +188,12 @@ TEST_F(StreamTest, StreamsStopAtTheEndOfThePartition) {
 struct ReadFault {
     const char *what;
     std::vector<std::pair<int, int>> faults;  // on block 1: kind, count
-    std::vector<uint32_t> blocks_read;         // empty: the read fails
+    std::vector<uint32_t> blocks_read;        // empty: the read fails
     const char *message;
 };
 
 TEST_F(StreamTest, ReadsSkipUnreadableBlocks) {
+    // clang-format off
     const ReadFault cases[] = {
         {"uncorrectable ECC", {{NKW_SIM_FLASH_ECC_FAILED, 1}}, {0, 2, 3},
          "mtd: ECC errors (0 soft, 1 hard) at 0x00001000\n"},
@@ -205,6 +210,7 @@ TEST_F(StreamTest, ReadsSkipUnreadableBlocks) {
         {"no bad-block support", {{kNoBadBlockSupport, 0}}, {},
          "mtd: MEMGETBADBLOCK returned -1 at 0x00000000 (errno=95)\n"},
     };
+    // clang-format on
     const Bytes stored = pattern(kSize, 11);
     for (const ReadFault &c : cases) {
         nkw_pal_sim_flash_create(kDevice, kSize, kBlock, 1);
@@ -233,6 +239,7 @@ struct EraseCase {
 };
 
 TEST_F(StreamTest, EraseBlocksErasesFromThePositionSkippingBadOnes) {
+    // clang-format off
     const EraseCase cases[] = {
         {"three", 3, -1, 3 * kBlock, {1, 1, 1, 0, 0, 0, 0, 0}, ""},
         {"none", 0, -1, 0, {0, 0, 0, 0, 0, 0, 0, 0}, ""},
@@ -243,6 +250,7 @@ TEST_F(StreamTest, EraseBlocksErasesFromThePositionSkippingBadOnes) {
         {"erase failure goes on", 3, NKW_SIM_FLASH_ERASE_FAILURE, 3 * kBlock,
          {1, 0, 1, 0, 0, 0, 0, 0}, "mtd: erase failure at 0x00001000\n"},
     };
+    // clang-format on
     for (const EraseCase &c : cases) {
         nkw_pal_sim_flash_create(kDevice, kSize, kBlock, 1);
         preload(kDevice, Bytes(kSize, 0));

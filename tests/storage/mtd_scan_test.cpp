@@ -16,7 +16,7 @@ struct Slot {
     int device;
     uint32_t size;
     uint32_t erase_size;
-    const char *name;
+    std::string name;
 };
 
 struct ScanCase {
@@ -53,7 +53,7 @@ TEST_F(ScanTest, ListedLinesFillTheirSlots) {
         {"names are cut at 63 characters",
          proc_mtd_line(7, 0x1000, 0x1000, long_name),
          1,
-         {{7, 0x1000, 0x1000, std::string(63, 'n').c_str()}}},
+         {{7, 0x1000, 0x1000, std::string(63, 'n')}}},
         {"a device listed twice keeps its last line once",
          "mtd2: 1000 1000 \"first\"\nmtd2: 4000 2000 \"second\"\n",
          1,
@@ -66,7 +66,7 @@ TEST_F(ScanTest, ListedLinesFillTheirSlots) {
         write_proc_mtd(c.proc_mtd);
         EXPECT_EQ(nkw_mtd_scan_partitions(), c.count) << c.what;
         for (const Slot &slot : c.slots) {
-            const nkw_mtd_partition *p = nkw_mtd_find_partition_by_name(slot.name);
+            const nkw_mtd_partition *p = nkw_mtd_find_partition_by_name(slot.name.c_str());
             ASSERT_NE(p, nullptr) << c.what << ": " << slot.name;
             EXPECT_EQ(p->device_index, slot.device) << c.what;
             EXPECT_EQ(p->size, slot.size) << c.what;

@@ -1,0 +1,162 @@
+// Custom AT commands: registration, the modem forwarding a command to its
+// handler, and the handler's answer.
+#include <gtest/gtest.h>
+#include <syslog.h>
+
+#include <cstring>
+#include <string>
+#include <thread>
+
+#include "mipc_sim.h"
+#include "mipc_sim_at.h"
+#include "modem/at/at_records.h"
+#include "nkw_pal.h"
+#include "support/syslog_capture.h"
+
+using nkw::test::syslog_contains;
+using nkw::test::syslog_matching;
+
+namespace {
+
+constexpr uint32_t kCmdId = 0x8F70;
+
+std::thread::id g_handler_thread;
+std::string g_line;
+
+// Reads the command line and answers with it in parameter 1 and "done" in 2.
+int32_t echo_handler(nkw_pal_modem_msg_t *msg) {
+    g_handler_thread = std::this_thread::get_id();
+    uint16_t type = mipc_sim::kAtCommandLineTlv;
+    uint16_t *type_ref = &type;
+    char line[64] = {};
+    uint32_t len = 0;
+    if (nkw_pal_modem_msg_get(msg, &type_ref, line, sizeof line - 1, &len) != 0) return 9;
+    g_line = line;
+    nkw_pal_at_reply reply{0, line, len, "done", 4};
+    return nkw_pal_at_resp(msg, &reply) == 0 ? 1107 : 8;
+}
+
+TEST(AtRegister, ForwardedCommandsReachTheHandlerOnTheModemThreadAndItsAnswerGoesBack) {
+    nkw_pal_at_cmd_reg reg{"+QDEMO", (uintptr_t{1} << 32) | kCmdId, nullptr, echo_handler};
+    ASSERT_EQ(0, nkw_pal_at_register(&reg));
+    EXPECT_TRUE(syslog_contains("]-AT CMD: +QDEMO, id: 0x8f70 registed success \n"));
+    auto registered = mipc_sim::calls_to("mipc_msg_register_cmd_api");
+    ASSERT_EQ(1u, registered.size());
+    EXPECT_EQ(kCmdId, registered[0].msg_id);  // the low 32 bits
+    EXPECT_EQ(0, registered[0].arg);
+
+    // The handler's own status reaches the modem library unchanged.
+    EXPECT_EQ(1107, mipc_sim::send_custom_at(kCmdId, "AT+QDEMO=42"));
+    EXPECT_NE(std::this_thread::get_id(), g_handler_thread);
+    EXPECT_EQ("AT+QDEMO=42", g_line);
+    auto answers = mipc_sim::replies_to(kCmdId);
+    ASSERT_EQ(1u, answers.size());
+    ASSERT_EQ(3u, answers[0].tlvs.size());
+    EXPECT_EQ(std::vector<uint8_t>(4, 0), answers[0].tlvs[0].value);
+    EXPECT_EQ(1, answers[0].tlvs[1].type);
+    EXPECT_EQ(std::string("AT+QDEMO=42\0", 12),
+              std::string(answers[0].tlvs[1].value.begin(), answers[0].tlvs[1].value.end()));
+    EXPECT_EQ(2, answers[0].tlvs[2].type);
+    EXPECT_EQ(4u, answers[0].tlvs[2].value.size());
+    EXPECT_EQ(0, mipc_sim::live_messages());
+    // Kept for the life of the process: allocated, never freed.
+    EXPECT_EQ(1u, syslog_matching(" 272\n").size());
+    EXPECT_TRUE(syslog_matching("]-free 0x").empty());
+}
+
+TEST(AtRegister, RefusesIncompleteRegistrationsAndFreesTheRecordWhenTheModemRefuses) {
+    std::string longest(255, 'N'), too_long(256, 'N');
+    struct {
+        nkw_pal_at_cmd_reg reg;
+        int32_t status;
+        const char *message;
+    } const cases[] = {
+        {{nullptr, kCmdId, nullptr, echo_handler}, 7, "input param is incorrect \n"},
+        {{"+Q", 0, nullptr, echo_handler}, 7, "input param is incorrect \n"},
+        {{"+Q", kCmdId, nullptr, nullptr}, 7, "input param is incorrect \n"},
+        {{"", kCmdId, nullptr, echo_handler}, 7, "AT command name len is incorrect \n"},
+        {{too_long.c_str(), kCmdId, nullptr, echo_handler}, 7,
+         "AT command name len is incorrect \n"},
+        {{longest.c_str(), kCmdId, nullptr, echo_handler}, 0, " registed success \n"},
+    };
+    for (const auto &c : cases) {
+        nkw::test::syslog_clear();
+        nkw_pal_at_cmd_reg reg = c.reg;
+        EXPECT_EQ(c.status, nkw_pal_at_register(&reg)) << c.message;
+        EXPECT_TRUE(syslog_contains(c.message)) << c.message;
+    }
+    EXPECT_EQ(7, nkw_pal_at_register(nullptr));
+
+    nkw::test::syslog_clear();
+    mipc_sim::fail_next("mipc_msg_register_cmd_api", mipc_sim::return_value(MIPC_RESULT_FAILURE));
+    nkw_pal_at_cmd_reg reg{"+QX", 0x77, nullptr, echo_handler};
+    EXPECT_EQ(-1, nkw_pal_at_register(&reg));
+    EXPECT_TRUE(syslog_contains("]-AT CMD: +QX, id: 0x77 registed failed \n"));
+    EXPECT_EQ(1u, syslog_matching("]-free 0x").size());
+}
+
+struct RespCase {
+    const char *name;
+    nkw_pal_at_reply reply;
+    const char *fault;  // modem library call that fails next, or nullptr
+    int32_t status;
+    size_t tlvs_sent;   // TLVs of the reply the modem received; 0: none sent
+    const char *message;
+};
+
+TEST(AtResp, SendsTheResultAndThePresentParameters) {
+    const RespCase cases[] = {
+        {"result only", {5, nullptr, 0, nullptr, 0}, nullptr, 0, 1, "set at result: 5 \n"},
+        {"empty parameter", {0, "x", 0, "two", 3}, nullptr, 0, 2, "at response success. \n"},
+        {"oversized parameter", {0, "x", 70000, nullptr, 0}, nullptr, -1, 0,
+         "set at result failed \n"},
+        {"parameter refused", {0, "x", 1, nullptr, 0}, "mipc_msg_add_tlv", -1, 0,
+         "set at result failed \n"},
+        {"no reply", {0, nullptr, 0, nullptr, 0}, "mipc_msg_copy_hdr", 5, 0,
+         "build MIPC message failed. \n"},
+        {"send refused", {0, nullptr, 0, nullptr, 0}, "mipc_msg_rsp", 3, 0,
+         "at response failed. \n"},
+    };
+    nkw_pal_log_set_level(NKW_PAL_LOG_DEBUG);
+    for (const RespCase &c : cases) {
+        mipc_sim::reset();
+        nkw::test::syslog_clear();
+        mipc_msg_t *received = mipc_sim::make_message(kCmdId, MIPC_PS_ALL, {});
+        // The result TLV is added unchecked: a refusal can only hit a parameter.
+        if (c.fault != nullptr && std::strcmp(c.fault, "mipc_msg_add_tlv") == 0) {
+            mipc_sim::fail_next(c.fault, mipc_sim::return_value(0));
+        }
+        if (c.fault != nullptr) mipc_sim::fail_next(c.fault, mipc_sim::return_value(3));
+        EXPECT_EQ(c.status, nkw_pal_at_resp(received, &c.reply)) << c.name;
+        auto sent = mipc_sim::replies_to(kCmdId);
+        EXPECT_EQ(c.tlvs_sent, sent.empty() ? 0 : sent[0].tlvs.size()) << c.name;
+        EXPECT_TRUE(syslog_contains(c.message)) << c.name;
+        mipc_msg_deinit(received);
+        EXPECT_EQ(0, mipc_sim::live_messages()) << c.name;
+    }
+    // Both absent parameters are reported under the first one's name.
+    mipc_sim::reset();
+    nkw::test::syslog_clear();
+    mipc_msg_t *received = mipc_sim::make_message(kCmdId, MIPC_PS_ALL, {});
+    nkw_pal_at_reply bare{0, nullptr, 0, nullptr, 0};
+    EXPECT_EQ(0, nkw_pal_at_resp(received, &bare));
+    EXPECT_EQ(2u, syslog_matching("]-There is no param1 infoarmtion. \n").size());
+    EXPECT_EQ(LOG_ERR, syslog_matching("]-set at result: 0 \n").at(0).priority);
+    EXPECT_EQ(7, nkw_pal_at_resp(nullptr, &bare));
+    EXPECT_EQ(7, nkw_pal_at_resp(received, nullptr));
+    mipc_msg_deinit(received);
+}
+
+TEST(AtDispatch, ReportsWhatItCannotDispatch) {
+    mipc_msg_t *msg = mipc_sim::make_message(kCmdId, MIPC_PS_ALL, {});
+    nkw::modem::at::CommandRecord without_handler{};
+    EXPECT_NE(MIPC_RESULT_SUCCESS, nkw_pal_at_callbackInner(nullptr, &without_handler));
+    EXPECT_NE(MIPC_RESULT_SUCCESS, nkw_pal_at_callbackInner(msg, nullptr));
+    EXPECT_NE(MIPC_RESULT_SUCCESS, nkw_pal_at_callbackInner(msg, &without_handler));
+    mipc_msg_deinit(msg);
+    EXPECT_EQ(LOG_ALERT, syslog_matching("]-msg_ptr is NULL \n").at(0).priority);
+    EXPECT_TRUE(syslog_contains("]-at_info is NULL \n"));
+    EXPECT_EQ(LOG_WARNING, syslog_matching("]-AT command Callback is NULL \n").at(0).priority);
+}
+
+}  // namespace

@@ -8,6 +8,8 @@
 #include <cstring>
 
 #include "mipc_sim.h"
+#include "mipc_sim_at.h"
+#include "mipc_sim_indication.h"
 
 namespace {
 
@@ -39,6 +41,44 @@ mipc_result_enum on_demo_command(mipc_msg_t *msg, void *) {
     return sent;
 }
 
+// ---- AT channel and indications ----
+
+constexpr uint32_t kDemoAtId = 0x8F71;
+
+// Answers the custom command with the line the modem forwarded.
+int32_t on_demo_at(nkw_pal_modem_msg_t *msg) {
+    uint16_t type = mipc_sim::kAtCommandLineTlv;
+    uint16_t *type_ref = &type;
+    char line[128] = {};
+    uint32_t len = 0;
+    if (nkw_pal_modem_msg_get(msg, &type_ref, line, sizeof line - 1, &len) != 0) return -1;
+    static constexpr char kDone[] = "+QDEMO: done";
+    nkw_pal_at_reply reply{0, kDone, sizeof kDone - 1, nullptr, 0};
+    return nkw_pal_at_resp(msg, &reply);
+}
+
+void on_connect_status(int32_t connected, const char *apn, void *) {
+    std::printf("pal_demo: connection %s on APN %s\n", connected ? "up" : "down", apn);
+}
+
+// Registers a custom AT command and subscribes to connection events, then
+// has the simulated modem use both. Returns 0 when everything answered.
+int demo_at_channel() {
+    nkw_pal_at_cmd_reg command{"+QDEMO", kDemoAtId, nullptr, on_demo_at};
+    if (nkw_pal_at_register(&command) != 0 ||
+        nkw_pal_mbim_connect_status_indication_register(on_connect_status, nullptr) != 0) {
+        return 1;
+    }
+    int answered = mipc_sim::send_custom_at(kDemoAtId, "AT+QDEMO=1");
+    mipc_sim::push_mbim_connect_status(1, "internet");
+    char response[64] = {};
+    uint32_t length = 0;
+    int32_t sent = nkw_pal_at_send("ATI8\r\n", 6, response, sizeof response, &length);
+    std::printf("pal_demo: custom AT answered %d, ATI8 gave %d (%u bytes)\n", answered, sent,
+                length);
+    return answered == 0 && sent == 0 ? 0 : 1;
+}
+
 }  // namespace
 
 int main() {
@@ -59,6 +99,8 @@ int main() {
         mipc_sim::deliver_command(kDemoCommandId, {mipc_sim::tlv_text(kParamTlv, "AT+DEMO=42")});
     std::printf("pal_demo: handler returned %d, replies sent: %zu\n", handled,
                 mipc_sim::replies().size());
+
+    handled |= demo_at_channel();
 
     nkw_pal_modem_msg_deinit();
     nkw_pal_logi("DEMO", "[%s:%d]-modem session closed \n", __func__, __LINE__);

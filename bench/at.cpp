@@ -42,8 +42,8 @@ void AtSync_AtSend(benchmark::State &state) {
     char response[64];
     uint32_t length = 0;
     for (auto _ : state) {
-        benchmark::DoNotOptimize(nkw_pal_at_send(kCommand, sizeof kCommand - 1, response,
-                                                 sizeof response, &length));
+        benchmark::DoNotOptimize(
+            nkw_pal_at_send(kCommand, sizeof kCommand - 1, response, sizeof response, &length));
         benchmark::DoNotOptimize(response[0]);
         if (++sent % kJournalBatch == 0) mipc_sim::clear_journal();
     }

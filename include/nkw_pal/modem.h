@@ -53,9 +53,9 @@ typedef int32_t (*nkw_pal_at_cmd_handler)(nkw_pal_modem_msg_t *msg);
 
 /* A custom AT command to register: four pointer-sized fields. */
 typedef struct {
-    const char *name;   /* 1 to 255 characters */
-    uintptr_t id;       /* non-zero; its low 32 bits are the message id */
-    void *reserved;     /* not read by the library */
+    const char *name; /* 1 to 255 characters */
+    uintptr_t id;     /* non-zero; its low 32 bits are the message id */
+    void *reserved;   /* not read by the library */
     nkw_pal_at_cmd_handler handler;
 } nkw_pal_at_cmd_reg;
 
@@ -85,8 +85,7 @@ NKW_PAL_API int32_t nkw_pal_at_send(const char *cmd, uint32_t cmd_len, char *res
  * the modem answers with an error. Returns 0 sent; -1 bad arguments or the
  * request failed; 3 no memory.
  */
-NKW_PAL_API int32_t nkw_pal_at_send_async(const char *cmd, uint32_t cmd_len,
-                                          nkw_pal_at_resp_cb cb);
+NKW_PAL_API int32_t nkw_pal_at_send_async(const char *cmd, uint32_t cmd_len, nkw_pal_at_resp_cb cb);
 
 /*
  * Registers a custom AT command for the rest of the process (there is no
@@ -132,12 +131,12 @@ NKW_PAL_API int32_t nkw_pal_hotplug_status_indication_register(nkw_pal_hotplug_s
                                                                void *user);
 NKW_PAL_API int32_t nkw_pal_mbim_open_status_indication_register(nkw_pal_mbim_open_status_cb cb,
                                                                  void *user);
-NKW_PAL_API int32_t nkw_pal_mbim_sim_slot_mapping_indication_register(
-    nkw_pal_mbim_sim_slot_mapping_cb cb, void *user);
-NKW_PAL_API int32_t nkw_pal_mbim_simpin_status_indication_register(
-    nkw_pal_mbim_simpin_status_cb cb, void *user);
-NKW_PAL_API int32_t nkw_pal_mbim_connect_status_indication_register(
-    nkw_pal_mbim_connect_status_cb cb, void *user);
+NKW_PAL_API int32_t
+nkw_pal_mbim_sim_slot_mapping_indication_register(nkw_pal_mbim_sim_slot_mapping_cb cb, void *user);
+NKW_PAL_API int32_t nkw_pal_mbim_simpin_status_indication_register(nkw_pal_mbim_simpin_status_cb cb,
+                                                                   void *user);
+NKW_PAL_API int32_t
+nkw_pal_mbim_connect_status_indication_register(nkw_pal_mbim_connect_status_cb cb, void *user);
 /* Accepts a NULL callback: events are then only acknowledged. */
 NKW_PAL_API int32_t nkw_pal_mbim_lpa_auth_server_apdu_indication_register(
     nkw_pal_mbim_lpa_auth_server_apdu_cb cb, void *user);

@@ -34,8 +34,8 @@ Handlers &handlers() {
 // process; once forgotten here they stay reachable, as they would from the
 // real modem library, so leak checkers do not report them.
 std::vector<void *> &retired_records() {
-    static std::vector<void *> instance;
-    return instance;
+    static auto *instance = new std::vector<void *>;  // never destroyed: scanned until exit
+    return *instance;
 }
 
 const core::ResetHook kReset([] {

@@ -7,8 +7,8 @@
 using nkw::modem::at::kCommandMax;
 using nkw::modem::at::kTag;
 
-extern "C" int32_t nkw_pal_at_send(const char *cmd, uint32_t cmd_len, char *resp,
-                                   int32_t resp_size, uint32_t *resp_len) {
+extern "C" int32_t nkw_pal_at_send(const char *cmd, uint32_t cmd_len, char *resp, int32_t resp_size,
+                                   uint32_t *resp_len) {
     if (cmd == nullptr || cmd_len == 0 || resp == nullptr || resp_size == 0 ||
         resp_len == nullptr) {
         NKW_LOGE(kTag, "input param is incorrect \n");

@@ -10,8 +10,7 @@ using nkw::modem::at::AsyncRequest;
 using nkw::modem::at::kCommandMax;
 using nkw::modem::at::kTag;
 
-extern "C" int32_t nkw_pal_at_send_async(const char *cmd, uint32_t cmd_len,
-                                         nkw_pal_at_resp_cb cb) {
+extern "C" int32_t nkw_pal_at_send_async(const char *cmd, uint32_t cmd_len, nkw_pal_at_resp_cb cb) {
     if (cmd == nullptr || cmd_len == 0) {
         NKW_LOGE(kTag, "input param is incorrect \n");
         return NKW_PAL_FAIL;

@@ -15,14 +15,13 @@ extern "C" int32_t nkw_pal_mbim_open_status_indication_register(nkw_pal_mbim_ope
     return subscribe(
         reinterpret_cast<void (*)()>(cb), user, false,
         [](Subscription *record) {
-            return mipc_msg_register_cmd_api(kMbimOpenInd, nkw_pal_mbim_open_status_indicate_cb,
-                                             0, record);
+            return mipc_msg_register_cmd_api(kMbimOpenInd, nkw_pal_mbim_open_status_indicate_cb, 0,
+                                             record);
         },
         "mbim_open_status_indication_register failed \n");
 }
 
-extern "C" mipc_result_enum nkw_pal_mbim_open_status_indicate_cb(mipc_msg_t *msg_ptr,
-                                                                 void *info) {
+extern "C" mipc_result_enum nkw_pal_mbim_open_status_indicate_cb(mipc_msg_t *msg_ptr, void *info) {
     int32_t status = 0;
     if (!read_i32(msg_ptr, kValue1Tlv, &status)) {
         NKW_LOGE(kTag, "mbim_open_status_indicate_cb val_ptr get failed \n");

@@ -34,8 +34,8 @@ bool normalise(nkw_pal_mbim_pin_info *pin) {
 
 }  // namespace
 
-extern "C" int32_t nkw_pal_mbim_simpin_status_indication_register(
-    nkw_pal_mbim_simpin_status_cb cb, void *user) {
+extern "C" int32_t nkw_pal_mbim_simpin_status_indication_register(nkw_pal_mbim_simpin_status_cb cb,
+                                                                  void *user) {
     return subscribe(
         reinterpret_cast<void (*)()>(cb), user, false,
         [](Subscription *record) {

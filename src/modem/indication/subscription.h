@@ -52,7 +52,7 @@ bool read_i32(mipc_msg_t *msg, uint16_t type, int32_t *value);
 // the modem library (and tests) can reach them by name.
 extern "C" {
 __attribute__((visibility("default"))) void nkw_pal_hotplug_status_indicate_cb(mipc_msg_t *msg_ptr,
-                                                                             void *info);
+                                                                               void *info);
 __attribute__((visibility("default"))) mipc_result_enum nkw_pal_mbim_open_status_indicate_cb(
     mipc_msg_t *msg_ptr, void *info);
 __attribute__((visibility("default"))) mipc_result_enum nkw_pal_mbim_sim_slot_mapping_indicate_cb(

@@ -37,32 +37,27 @@ void saw(std::vector<int32_t> values, void *user, std::string text = "") {
     ++g_seen.calls;
 }
 
-void on_hotplug(int32_t plugged, void *user) {
-    saw({plugged}, user);
-}
-void on_open(int32_t status, void *user) {
-    saw({status}, user);
-}
-void on_slot(int32_t option, int32_t sim_id, void *user) {
-    saw({option, sim_id}, user);
-}
-void on_pin(nkw_pal_mbim_pin_info *pin, void *user) {
-    saw({pin->status}, user, std::string(reinterpret_cast<const char *>(pin), sizeof *pin));
-}
-void on_connect(int32_t connected, const char *apn, void *user) {
-    saw({connected}, user, apn);
-}
-void on_lpa(int32_t value, void *user) {
-    saw({value}, user);
-}
+// The caller's callbacks, as each registration takes them.
+struct On {
+    static void hotplug(int32_t plugged, void *user) { saw({plugged}, user); }
+    static void open(int32_t status, void *user) { saw({status}, user); }
+    static void slot(int32_t option, int32_t sim_id, void *user) { saw({option, sim_id}, user); }
+    static void pin(nkw_pal_mbim_pin_info *pin, void *user) {
+        saw({pin->status}, user, std::string(reinterpret_cast<const char *>(pin), sizeof *pin));
+    }
+    static void connect(int32_t connected, const char *apn, void *user) {
+        saw({connected}, user, apn);
+    }
+    static void lpa(int32_t value, void *user) { saw({value}, user); }
+};
 
 void subscribe_all() {
-    ASSERT_EQ(0, nkw_pal_hotplug_status_indication_register(on_hotplug, &g_user));
-    ASSERT_EQ(0, nkw_pal_mbim_open_status_indication_register(on_open, &g_user));
-    ASSERT_EQ(0, nkw_pal_mbim_sim_slot_mapping_indication_register(on_slot, &g_user));
-    ASSERT_EQ(0, nkw_pal_mbim_simpin_status_indication_register(on_pin, &g_user));
-    ASSERT_EQ(0, nkw_pal_mbim_connect_status_indication_register(on_connect, &g_user));
-    ASSERT_EQ(0, nkw_pal_mbim_lpa_auth_server_apdu_indication_register(on_lpa, &g_user));
+    ASSERT_EQ(0, nkw_pal_hotplug_status_indication_register(On::hotplug, &g_user));
+    ASSERT_EQ(0, nkw_pal_mbim_open_status_indication_register(On::open, &g_user));
+    ASSERT_EQ(0, nkw_pal_mbim_sim_slot_mapping_indication_register(On::slot, &g_user));
+    ASSERT_EQ(0, nkw_pal_mbim_simpin_status_indication_register(On::pin, &g_user));
+    ASSERT_EQ(0, nkw_pal_mbim_connect_status_indication_register(On::connect, &g_user));
+    ASSERT_EQ(0, nkw_pal_mbim_lpa_auth_server_apdu_indication_register(On::lpa, &g_user));
 }
 
 std::string pin_record(uint8_t status, const std::string &pin) {
@@ -190,7 +185,7 @@ TEST_F(Indication, EventsMissingAValueAreReportedAndNeitherPassedOnNorAcknowledg
     EXPECT_TRUE(mipc_sim::replies().empty());
 }
 
-TEST_F(Indication, OnlySubscriptionRecordsOutliveTheCallAndOnlyLpaTakesANullCallback) {
+TEST_F(Indication, OnlySubscriptionRecordsOutliveTheCallAndRefusalsFreeTheirs) {
     subscribe_all();  // the events test proves each reached its message id
     EXPECT_EQ(6u, syslog_matching("]-malloc 0x").size());
     EXPECT_TRUE(syslog_matching("]-free 0x").empty());
@@ -205,13 +200,13 @@ TEST_F(Indication, OnlySubscriptionRecordsOutliveTheCallAndOnlyLpaTakesANullCall
     EXPECT_EQ(0, nkw_pal_mbim_lpa_auth_server_apdu_indication_register(nullptr, nullptr));
     EXPECT_EQ(0, mipc_sim::push_mbim_lpa_apdu(9));
     EXPECT_EQ(1u, mipc_sim::replies_to(mipc_sim::kMbimLpaApduInd).size());
-}
 
-TEST_F(Indication, ARefusedRegistrationFreesItsRecordAndNamesItself) {
+    // A refused registration frees its record and names itself.
+    nkw::test::syslog_clear();
     mipc_sim::fail_next("mipc_msg_register_ind_api", mipc_sim::return_value(MIPC_RESULT_FAILURE));
-    EXPECT_EQ(-1, nkw_pal_hotplug_status_indication_register(on_hotplug, nullptr));
+    EXPECT_EQ(-1, nkw_pal_hotplug_status_indication_register(On::hotplug, nullptr));
     mipc_sim::fail_next("mipc_msg_register_cmd_api", mipc_sim::return_value(MIPC_RESULT_FAILURE));
-    EXPECT_EQ(-1, nkw_pal_mbim_simpin_status_indication_register(on_pin, nullptr));
+    EXPECT_EQ(-1, nkw_pal_mbim_simpin_status_indication_register(On::pin, nullptr));
     EXPECT_TRUE(syslog_contains("]-hotplug_status_indication_register failed \n"));
     EXPECT_TRUE(syslog_contains("]-mbim_simpin_status_indication_register failed \n"));
     EXPECT_TRUE(nkw::test::allocations_balanced());

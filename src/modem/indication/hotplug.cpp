@@ -14,13 +14,9 @@ constexpr uint8_t kCausePlugged = 12;
 
 extern "C" int32_t nkw_pal_hotplug_status_indication_register(nkw_pal_hotplug_status_cb cb,
                                                               void *user) {
-    return subscribe(
-        reinterpret_cast<void (*)()>(cb), user, false,
-        [](Subscription *record) {
-            return mipc_msg_register_ind_api(MIPC_PS0, kHotplugInd,
-                                             nkw_pal_hotplug_status_indicate_cb, 0, record);
-        },
-        "hotplug_status_indication_register failed \n");
+    return subscribe(reinterpret_cast<void (*)()>(cb), user, false,
+                     {kHotplugInd, nullptr, nkw_pal_hotplug_status_indicate_cb},
+                     "hotplug_status_indication_register failed \n");
 }
 
 extern "C" void nkw_pal_hotplug_status_indicate_cb(mipc_msg_t *msg_ptr, void *info) {

@@ -25,13 +25,9 @@ const char *apn_of(mipc_msg_t *msg) {
 
 extern "C" int32_t nkw_pal_mbim_connect_status_indication_register(
     nkw_pal_mbim_connect_status_cb cb, void *user) {
-    return subscribe(
-        reinterpret_cast<void (*)()>(cb), user, false,
-        [](Subscription *record) {
-            return mipc_msg_register_cmd_api(kMbimConnectStatusInd,
-                                             nkw_pal_mbim_connect_status_indicate_cb, 0, record);
-        },
-        "mbim_connect_status_indication_register failed \n");
+    return subscribe(reinterpret_cast<void (*)()>(cb), user, false,
+                     {kMbimConnectStatusInd, nkw_pal_mbim_connect_status_indicate_cb, nullptr},
+                     "mbim_connect_status_indication_register failed \n");
 }
 
 extern "C" mipc_result_enum nkw_pal_mbim_connect_status_indicate_cb(mipc_msg_t *msg_ptr,

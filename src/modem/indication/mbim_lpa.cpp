@@ -13,13 +13,9 @@ constexpr uint32_t kMbimLpaApduInd = 0x8F65;
 extern "C" int32_t nkw_pal_mbim_lpa_auth_server_apdu_indication_register(
     nkw_pal_mbim_lpa_auth_server_apdu_cb cb, void *user) {
     // Accepts a null callback: the events are then only acknowledged.
-    return subscribe(
-        reinterpret_cast<void (*)()>(cb), user, true,
-        [](Subscription *record) {
-            return mipc_msg_register_cmd_api(
-                kMbimLpaApduInd, nkw_pal_mbim_lpa_auth_server_apdu_indicate_cb, 0, record);
-        },
-        "lpa_auth_server_apdu_indication_register failed \n");
+    return subscribe(reinterpret_cast<void (*)()>(cb), user, true,
+                     {kMbimLpaApduInd, nkw_pal_mbim_lpa_auth_server_apdu_indicate_cb, nullptr},
+                     "lpa_auth_server_apdu_indication_register failed \n");
 }
 
 extern "C" mipc_result_enum nkw_pal_mbim_lpa_auth_server_apdu_indicate_cb(mipc_msg_t *msg_ptr,

@@ -12,13 +12,9 @@ constexpr uint32_t kMbimOpenInd = 0x8F57;
 
 extern "C" int32_t nkw_pal_mbim_open_status_indication_register(nkw_pal_mbim_open_status_cb cb,
                                                                 void *user) {
-    return subscribe(
-        reinterpret_cast<void (*)()>(cb), user, false,
-        [](Subscription *record) {
-            return mipc_msg_register_cmd_api(kMbimOpenInd, nkw_pal_mbim_open_status_indicate_cb, 0,
-                                             record);
-        },
-        "mbim_open_status_indication_register failed \n");
+    return subscribe(reinterpret_cast<void (*)()>(cb), user, false,
+                     {kMbimOpenInd, nkw_pal_mbim_open_status_indicate_cb, nullptr},
+                     "mbim_open_status_indication_register failed \n");
 }
 
 extern "C" mipc_result_enum nkw_pal_mbim_open_status_indicate_cb(mipc_msg_t *msg_ptr, void *info) {

@@ -36,13 +36,9 @@ bool normalise(nkw_pal_mbim_pin_info *pin) {
 
 extern "C" int32_t nkw_pal_mbim_simpin_status_indication_register(nkw_pal_mbim_simpin_status_cb cb,
                                                                   void *user) {
-    return subscribe(
-        reinterpret_cast<void (*)()>(cb), user, false,
-        [](Subscription *record) {
-            return mipc_msg_register_cmd_api(kMbimPinStatusInd,
-                                             nkw_pal_mbim_simpin_status_indicate_cb, 0, record);
-        },
-        "mbim_simpin_status_indication_register failed \n");
+    return subscribe(reinterpret_cast<void (*)()>(cb), user, false,
+                     {kMbimPinStatusInd, nkw_pal_mbim_simpin_status_indicate_cb, nullptr},
+                     "mbim_simpin_status_indication_register failed \n");
 }
 
 extern "C" mipc_result_enum nkw_pal_mbim_simpin_status_indicate_cb(mipc_msg_t *msg_ptr,

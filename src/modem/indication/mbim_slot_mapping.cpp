@@ -12,13 +12,9 @@ constexpr uint32_t kMbimSlotMappingInd = 0x8F59;
 
 extern "C" int32_t nkw_pal_mbim_sim_slot_mapping_indication_register(
     nkw_pal_mbim_sim_slot_mapping_cb cb, void *user) {
-    return subscribe(
-        reinterpret_cast<void (*)()>(cb), user, false,
-        [](Subscription *record) {
-            return mipc_msg_register_cmd_api(kMbimSlotMappingInd,
-                                             nkw_pal_mbim_sim_slot_mapping_indicate_cb, 0, record);
-        },
-        "mbim_sim_slot_mapping_indication_register failed \n");
+    return subscribe(reinterpret_cast<void (*)()>(cb), user, false,
+                     {kMbimSlotMappingInd, nkw_pal_mbim_sim_slot_mapping_indicate_cb, nullptr},
+                     "mbim_sim_slot_mapping_indication_register failed \n");
 }
 
 extern "C" mipc_result_enum nkw_pal_mbim_sim_slot_mapping_indicate_cb(mipc_msg_t *msg_ptr,

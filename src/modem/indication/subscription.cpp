@@ -14,7 +14,17 @@ void log_error(const char *function, int line, const char *text) {
 }
 }  // namespace
 
-int32_t subscribe(void (*callback)(), void *user, bool null_callback_ok, Connect connect,
+namespace {
+mipc_result_enum register_event(const Event &event, Subscription *record) {
+    // Host link events come as indications on the first protocol stack.
+    if (event.indication != nullptr) {
+        return mipc_msg_register_ind_api(MIPC_PS0, event.msg_id, event.indication, 0, record);
+    }
+    return mipc_msg_register_cmd_api(event.msg_id, event.command, 0, record);
+}
+}  // namespace
+
+int32_t subscribe(void (*callback)(), void *user, bool null_callback_ok, const Event &event,
                   const char *refused_text, const char *function, int line) {
     if (callback == nullptr && !null_callback_ok) {
         log_error(function, line, "callback is null \n");
@@ -27,7 +37,7 @@ int32_t subscribe(void (*callback)(), void *user, bool null_callback_ok, Connect
     }
     record->callback = callback;
     record->user = user;
-    if (connect(record.get()) != MIPC_RESULT_SUCCESS) {
+    if (register_event(event, record.get()) != MIPC_RESULT_SUCCESS) {
         log_error(function, line, refused_text);
         return NKW_PAL_FAIL;
     }

@@ -29,14 +29,20 @@ inline void *user_of(const Subscription *subscription) {
     return subscription != nullptr ? subscription->user : nullptr;
 }
 
-// Registers `record` with the modem library; returns the library's result.
-using Connect = mipc_result_enum (*)(Subscription *record);
+// What a registration subscribes to: message `msg_id`, delivered either as
+// a command to acknowledge (MBIM events) or as an indication.
+struct Event {
+    uint32_t msg_id;
+    mipc_msg_cmd_cb command;
+    mipc_msg_ind_cb indication;
+};
 
-// Allocates the record, hands it to `connect` and keeps it when accepted.
-// A null callback is refused unless `null_callback_ok`. Returns 0 or -1; the
-// lines are logged under the registering function's name, with
-// `refused_text` when the modem library refuses.
-int32_t subscribe(void (*callback)(), void *user, bool null_callback_ok, Connect connect,
+// Allocates the record, registers it for `event` and keeps it when the
+// modem library accepts. A null callback is refused unless
+// `null_callback_ok`. Returns 0 or -1; the lines are logged under the
+// registering function's name, with `refused_text` when the modem library
+// refuses.
+int32_t subscribe(void (*callback)(), void *user, bool null_callback_ok, const Event &event,
                   const char *refused_text, const char *function = __builtin_FUNCTION(),
                   int line = __builtin_LINE());
 

@@ -1,6 +1,7 @@
 /*
- * nkw_pal modem channel: the session with the modem IPC library and raw modem
- * messages. nkw_pal_modem_msg_init must precede every other modem operation.
+ * nkw_pal modem channel: the session with the modem IPC library, raw modem
+ * messages, AT commands both ways and modem indications.
+ * nkw_pal_modem_msg_init must precede every other modem operation.
  */
 #ifndef NKW_PAL_MODEM_H
 #define NKW_PAL_MODEM_H

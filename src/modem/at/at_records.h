@@ -33,9 +33,7 @@ static_assert(sizeof(void *) != 8 || sizeof(CommandRecord) == 272, "command reco
 // Routines run by the modem library on its own thread; exported so that the
 // modem library (and tests) can reach them by name.
 extern "C" {
-__attribute__((visibility("default"))) void nkw_pal_at_send_async_cb(mipc_sim_ps_id_enum sim_ps_id,
-                                                                     mipc_sys_at_struct *result_ptr,
-                                                                     void *at_async);
-__attribute__((visibility("default"))) mipc_result_enum nkw_pal_at_callbackInner(
-    mipc_msg_t *msg_ptr, void *at_info);
+NKW_PAL_API void nkw_pal_at_send_async_cb(mipc_sim_ps_id_enum sim_ps_id,
+                                          mipc_sys_at_struct *result_ptr, void *at_async);
+NKW_PAL_API mipc_result_enum nkw_pal_at_callbackInner(mipc_msg_t *msg_ptr, void *at_info);
 }

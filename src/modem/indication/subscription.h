@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "modem/mipc.h"
+#include "nkw_pal/common.h"
 
 namespace nkw::modem::indication {
 
@@ -57,16 +58,14 @@ bool read_i32(mipc_msg_t *msg, uint16_t type, int32_t *value);
 // Event routines run by the modem library on its own thread; exported so that
 // the modem library (and tests) can reach them by name.
 extern "C" {
-__attribute__((visibility("default"))) void nkw_pal_hotplug_status_indicate_cb(mipc_msg_t *msg_ptr,
-                                                                               void *info);
-__attribute__((visibility("default"))) mipc_result_enum nkw_pal_mbim_open_status_indicate_cb(
-    mipc_msg_t *msg_ptr, void *info);
-__attribute__((visibility("default"))) mipc_result_enum nkw_pal_mbim_sim_slot_mapping_indicate_cb(
-    mipc_msg_t *msg_ptr, void *info);
-__attribute__((visibility("default"))) mipc_result_enum nkw_pal_mbim_simpin_status_indicate_cb(
-    mipc_msg_t *msg_ptr, void *info);
-__attribute__((visibility("default"))) mipc_result_enum nkw_pal_mbim_connect_status_indicate_cb(
-    mipc_msg_t *msg_ptr, void *info);
-__attribute__((visibility("default"))) mipc_result_enum
-nkw_pal_mbim_lpa_auth_server_apdu_indicate_cb(mipc_msg_t *msg_ptr, void *info);
+NKW_PAL_API void nkw_pal_hotplug_status_indicate_cb(mipc_msg_t *msg_ptr, void *info);
+NKW_PAL_API mipc_result_enum nkw_pal_mbim_open_status_indicate_cb(mipc_msg_t *msg_ptr, void *info);
+NKW_PAL_API mipc_result_enum nkw_pal_mbim_sim_slot_mapping_indicate_cb(mipc_msg_t *msg_ptr,
+                                                                       void *info);
+NKW_PAL_API mipc_result_enum nkw_pal_mbim_simpin_status_indicate_cb(mipc_msg_t *msg_ptr,
+                                                                    void *info);
+NKW_PAL_API mipc_result_enum nkw_pal_mbim_connect_status_indicate_cb(mipc_msg_t *msg_ptr,
+                                                                     void *info);
+NKW_PAL_API mipc_result_enum nkw_pal_mbim_lpa_auth_server_apdu_indicate_cb(mipc_msg_t *msg_ptr,
+                                                                           void *info);
 }

@@ -6,6 +6,8 @@
 #include <cstdio>
 
 #include "mipc_sim.h"
+#include "mipc_sim_at.h"
+#include "mipc_sim_indication.h"
 
 namespace {
 
@@ -78,6 +80,46 @@ bool answer_modem_command() {
     return handled == 0;
 }
 
+constexpr uint32_t kDemoAtId = 0x8F71;
+
+// Answers the custom command with a line of its own.
+int32_t on_demo_at(nkw_pal_modem_msg_t *msg) {
+    uint16_t type = mipc_sim::kAtCommandLineTlv;
+    uint16_t *type_ref = &type;
+    char line[128] = {};
+    uint32_t len = 0;
+    if (nkw_pal_modem_msg_get(msg, &type_ref, line, sizeof line - 1, &len) != 0) return -1;
+    static constexpr char kDone[] = "+QDEMO: done";
+    nkw_pal_at_reply reply{0, kDone, sizeof kDone - 1, nullptr, 0};
+    return nkw_pal_at_resp(msg, &reply);
+}
+
+void on_connect_status(int32_t connected, const char *apn, void *) {
+    std::printf("  connection %s on APN %s\n", connected ? "up" : "down", apn);
+}
+
+bool use_at_channel() {
+    step("AT commands both ways, and an indication",
+         "  The daemon registers its own AT command (+QDEMO) and subscribes to the\n"
+         "  connection status; the simulated modem sends it AT+QDEMO=1, which it\n"
+         "  answers through nkw_pal_at_resp, and reports a connection on \"internet\".\n"
+         "  Then the daemon sends ATI8 to the modem with nkw_pal_at_send. The \"set at\n"
+         "  result\" line is written at error level on every answer, by design: log\n"
+         "  readers on the module look for it there; it is not a failure.");
+    nkw_pal_at_cmd_reg command{"+QDEMO", kDemoAtId, nullptr, on_demo_at};
+    if (nkw_pal_at_register(&command) != 0 ||
+        nkw_pal_mbim_connect_status_indication_register(on_connect_status, nullptr) != 0) {
+        return false;
+    }
+    int answered = mipc_sim::send_custom_at(kDemoAtId, "AT+QDEMO=1");
+    mipc_sim::push_mbim_connect_status(1, "internet");
+    char response[64] = {};
+    uint32_t length = 0;
+    int32_t sent = nkw_pal_at_send("ATI8\r\n", 6, response, sizeof response, &length);
+    std::printf("  custom AT answered %d, ATI8 gave %d (%u bytes)\n\n", answered, sent, length);
+    return answered == 0 && sent == 0;
+}
+
 void close_all() {
     step("close the modem session and the log",
          "  nkw_pal_modem_msg_deinit ends the session; nkw_pal_log_close closes the\n"
@@ -99,6 +141,7 @@ int main() {
         return 1;
     }
     bool ok = answer_modem_command();
+    ok = use_at_channel() && ok;
     close_all();
     return ok ? 0 : 1;
 }

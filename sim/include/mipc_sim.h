@@ -80,12 +80,14 @@ int live_messages();
 // Pushes a command message to the handler registered for its id and waits
 // for the handler to return. Returns the handler's result, or -1 when no
 // handler is registered. The message is released afterwards.
-int deliver_command(uint16_t msg_id, std::vector<Tlv> tlvs);
+int deliver_command(uint32_t msg_id, std::vector<Tlv> tlvs);
 // Pushes an indication to the handler registered for (ps_id, msg_id) and
 // waits for it. Returns false when nothing is registered.
 bool deliver_indication(mipc_sim_ps_id_enum ps_id, uint16_t msg_id, std::vector<Tlv> tlvs);
 // Replies the library sent with mipc_msg_rsp, oldest first.
 std::vector<Call> replies();
+// Replies to messages of id `msg_id` (its low 16 bits, as headers carry them).
+std::vector<Call> replies_to(uint32_t msg_id);
 
 // ---- Requests ----------------------------------------------------------------
 // Confirmation TLVs for raw requests sent with mipc_msg_sync_timeout. By

@@ -1,0 +1,167 @@
+// NMEA fields by comma position, and the location they describe.
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+
+#include "diag/log.h"
+#include "nkw_pal/location.h"
+
+namespace {
+
+// The comma table: the sentence's start and up to 31 commas after it.
+constexpr int kMaxEntries = 32;
+constexpr size_t kFractionSize = 10;
+
+// Geometry of a ddmm.ffff latitude or dddmm.ffff longitude field.
+struct CoordinateShape {
+    int degree_digits;
+    size_t min_length;
+    size_t max_length;
+};
+constexpr CoordinateShape kLatitude = {2, 6, 14};
+constexpr CoordinateShape kLongitude = {3, 7, 15};
+
+int digits_value(const char *text, int count) {
+    char digits[4] = {};
+    std::memcpy(digits, text, static_cast<size_t>(count));
+    return std::atoi(digits);
+}
+
+// Degrees of a coordinate field; false when its fraction is not exactly 4
+// or 5 digits (the value is then left as it was).
+bool coordinate_value(const char *field, const CoordinateShape &shape, double *value) {
+    const size_t length = std::strlen(field);
+    char fraction[kFractionSize] = {};
+    if (length >= shape.min_length && length <= shape.max_length) {
+        std::strncpy(fraction, field + shape.degree_digits + 3, sizeof fraction - 1);
+    }
+    double divisor = 0.0;
+    switch (std::strlen(fraction)) {
+        case 4:
+            divisor = 600000.0;
+            break;
+        case 5:
+            divisor = 6000000.0;
+            break;
+        default:
+            return false;
+    }
+    const int degrees = digits_value(field, shape.degree_digits);
+    const int minutes = digits_value(field + shape.degree_digits, 2);
+    *value = degrees + minutes / 60.0 + std::atoi(fraction) / divisor;
+    return true;
+}
+
+bool field(char *out, const char *text, const char *sentence, unsigned char which) {
+    std::memset(out, 0, NKW_PAL_GNSS_FIELD_SIZE);
+    return nkw_pal_gnss_get_special_nmea_data(out, text, sentence, which);
+}
+
+void parse_latitude(const char *text, nkw_pal_gnss_location *loc) {
+    char hemisphere[NKW_PAL_GNSS_FIELD_SIZE];
+    char value_text[NKW_PAL_GNSS_FIELD_SIZE];
+    if (!field(hemisphere, text, "$GNGGA", 3)) return;
+    NKW_LOGI("GNSS", "[location_srv]found nmea data:%s. \n", text);
+    field(value_text, text, "$GNGGA", 2);
+    double value = 0.0;
+    if (!coordinate_value(value_text, kLatitude, &value)) return;
+    if (hemisphere[0] != 'N' && hemisphere[0] != 'S') return;
+    loc->latitude = static_cast<float>(hemisphere[0] == 'N' ? value : -value);
+    NKW_LOGI("GNSS", "[location_srv]latitude:%s %f. \n", value_text, loc->latitude);
+}
+
+void parse_longitude(const char *text, nkw_pal_gnss_location *loc) {
+    char hemisphere[NKW_PAL_GNSS_FIELD_SIZE];
+    char value_text[NKW_PAL_GNSS_FIELD_SIZE];
+    if (!field(hemisphere, text, "$GNGGA", 5)) return;
+    field(value_text, text, "$GNGGA", 4);
+    double value = 0.0;
+    if (!coordinate_value(value_text, kLongitude, &value)) return;
+    if (hemisphere[0] != 'E' && hemisphere[0] != 'W') return;
+    loc->longitude = static_cast<float>(hemisphere[0] == 'E' ? value : -value);
+    NKW_LOGI("GNSS", "[location_srv]longitude:%s %f. \n", value_text, loc->longitude);
+}
+
+void parse_fix_details(const char *text, nkw_pal_gnss_location *loc) {
+    char value[NKW_PAL_GNSS_FIELD_SIZE];
+    if (field(value, text, "$GNGGA", 6)) {
+        loc->sat_type = static_cast<int32_t>(std::strtod(value, nullptr));
+        NKW_LOGI("GNSS", "[location_srv]Satellite_type:%s %d. \n", value, loc->sat_type);
+    }
+    if (field(value, text, "$GNGGA", 7)) {
+        loc->sat_num = static_cast<int32_t>(std::strtod(value, nullptr));
+        NKW_LOGI("GNSS", "[location_srv]Satellite_num:%s %d. \n", value, loc->sat_num);
+    }
+    if (field(value, text, "$GNGGA", 8)) {
+        loc->radius = static_cast<float>(std::strtod(value, nullptr));
+        NKW_LOGI("GNSS", "[location_srv]radius:%s %f. \n", value, loc->radius);
+    }
+    if (field(value, text, "$GNGGA", 9)) {
+        loc->altitude = static_cast<float>(std::strtod(value, nullptr));
+        NKW_LOGI("GNSS", "[location_srv]altitude:%s %f. \n", value, loc->altitude);
+    }
+}
+
+void parse_status(const char *text, nkw_pal_gnss_location *loc) {
+    char status[NKW_PAL_GNSS_FIELD_SIZE];
+    if (!field(status, text, "$GNRMC", 2)) return;
+    NKW_LOGI("GNSS", "[location_srv]found nmea data:%s. \n", text);
+    if (status[0] == 'A') {
+        loc->valid = 1;
+        NKW_LOGI("GNSS", "[location_srv]IsValid:%s %d. \n", status, loc->valid);
+    } else if (status[0] == 'V') {
+        loc->valid = 0;
+    }
+}
+
+}  // namespace
+
+extern "C" {
+
+bool nkw_pal_gnss_get_special_nmea_data(char *out, const char *text, const char *sentence,
+                                        unsigned char which) {
+    if (text == nullptr || sentence == nullptr) {
+        NKW_LOGE("GNSS", "[location_srv]failed, string is NULL! \n");
+        return false;
+    }
+    const char *start = std::strstr(text, sentence);
+    if (start == nullptr) return false;
+    // Every comma to the end of the text counts, later sentences' too; past
+    // the table's size they are not recorded.
+    const char *entries[kMaxEntries];
+    uint16_t count = 0;
+    entries[count++] = start;
+    for (const char *p = start; *p != '\0' && count < kMaxEntries; ++p) {
+        if (*p == ',') entries[count++] = p;
+    }
+    const uint8_t k = static_cast<uint8_t>(which + 1);
+    if (k == 0 || k >= count) {
+        NKW_LOGE("GNSS", "[location_srv]which_arg[%d] is out of total comma number[%d]. \n", which,
+                 count);
+        return false;
+    }
+    const char *from = entries[which] + 1;
+    size_t length = static_cast<size_t>(entries[k] - from);
+    if (length == 0) {
+        NKW_LOGI("GNSS", "[location_srv][Attention] no nmea data. \n");
+        return true;
+    }
+    if (out == nullptr) return false;
+    // A field longer than the callers' 20-byte buffers is cut.
+    if (length > NKW_PAL_GNSS_FIELD_SIZE - 1) length = NKW_PAL_GNSS_FIELD_SIZE - 1;
+    std::memcpy(out, from, length);
+    return true;
+}
+
+void nkw_pal_gnss_parse_location_from_nmea(const char *text, nkw_pal_gnss_location *loc) {
+    if (text == nullptr || loc == nullptr) {
+        NKW_LOGE("GNSS", "[location_srv]failed, string is NULL! \n");
+        return;
+    }
+    parse_latitude(text, loc);
+    parse_longitude(text, loc);
+    parse_fix_details(text, loc);
+    parse_status(text, loc);
+}
+
+}  // extern "C"

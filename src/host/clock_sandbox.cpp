@@ -13,11 +13,28 @@ namespace {
 
 constexpr int64_t kMicro = 1000000;
 
+// Seconds and microseconds kept apart so that any time_t a test sets (even
+// one no calendar can hold) survives.
+struct Instant {
+    int64_t sec = 0;
+    int64_t usec = 0;  // 0..999999
+};
+
+Instant normalised(int64_t sec, int64_t usec) {
+    sec += usec / kMicro;
+    usec %= kMicro;
+    if (usec < 0) {
+        usec += kMicro;
+        --sec;
+    }
+    return {sec, usec};
+}
+
 struct TestClock {
     bool wall_set = false;
     bool wall_running = true;
-    int64_t wall_offset_us = 0;  // running: test time minus host time
-    int64_t wall_frozen_us = 0;  // frozen: the time itself
+    Instant wall_offset;  // running: test time minus host time
+    Instant wall_frozen;  // frozen: the time itself
     bool uptime_pinned = false;
     timespec uptime{};
     int fail_errno[3] = {};  // next get, set, monotonic
@@ -35,10 +52,10 @@ TestClock &test_clock() {
     return instance;
 }
 
-int64_t host_now_us() {
+Instant host_now() {
     timeval now{};
     gettimeofday(&now, nullptr);
-    return now.tv_sec * kMicro + now.tv_usec;
+    return {now.tv_sec, now.tv_usec};
 }
 
 // Takes a failure queued for `which`: -1 with errno set, else 0.
@@ -50,18 +67,21 @@ int take_failure(Which which) {
     return -1;
 }
 
-void set_wall_us(int64_t us, bool running) {
+void set_wall(Instant to, bool running) {
     TestClock &c = test_clock();
+    const Instant host = host_now();
     c.wall_set = true;
     c.wall_running = running;
-    c.wall_frozen_us = us;
-    c.wall_offset_us = us - host_now_us();
+    c.wall_frozen = to;
+    c.wall_offset = normalised(to.sec - host.sec, to.usec - host.usec);
 }
 
-int64_t wall_us() {
+Instant wall() {
     const TestClock &c = test_clock();
-    if (!c.wall_set) return host_now_us();
-    return c.wall_running ? host_now_us() + c.wall_offset_us : c.wall_frozen_us;
+    if (!c.wall_set) return host_now();
+    if (!c.wall_running) return c.wall_frozen;
+    const Instant host = host_now();
+    return normalised(host.sec + c.wall_offset.sec, host.usec + c.wall_offset.usec);
 }
 
 }  // namespace
@@ -71,9 +91,9 @@ namespace nkw::host::clock {
 int get_time_of_day(timeval *now) {
     std::lock_guard<std::mutex> guard(lock());
     if (take_failure(kGet) != 0) return -1;
-    int64_t us = wall_us();
-    now->tv_sec = static_cast<time_t>(us / kMicro);
-    now->tv_usec = static_cast<suseconds_t>(us % kMicro);
+    const Instant at = wall();
+    now->tv_sec = static_cast<time_t>(at.sec);
+    now->tv_usec = static_cast<suseconds_t>(at.usec);
     return 0;
 }
 
@@ -84,8 +104,8 @@ int set_time_of_day(const timeval *to) {
         errno = EINVAL;
         return -1;
     }
-    set_wall_us(static_cast<int64_t>(to->tv_sec) * kMicro + to->tv_usec,
-                test_clock().wall_running);
+    set_wall({static_cast<int64_t>(to->tv_sec), static_cast<int64_t>(to->tv_usec)},
+             test_clock().wall_running);
     return 0;
 }
 
@@ -107,15 +127,15 @@ extern "C" {
 // Sets the test wall clock; it runs on from there unless `running` is 0.
 NKW_PAL_API void nkw_pal_sandbox_clock_set(int64_t sec, int64_t usec, int running) {
     std::lock_guard<std::mutex> guard(lock());
-    set_wall_us(sec * kMicro + usec, running != 0);
+    set_wall(normalised(sec, usec), running != 0);
 }
 
 // Reads the test wall clock as the library sees it.
 NKW_PAL_API void nkw_pal_sandbox_clock_get(int64_t *sec, int64_t *usec) {
     std::lock_guard<std::mutex> guard(lock());
-    int64_t us = wall_us();
-    *sec = us / kMicro;
-    *usec = us % kMicro;
+    const Instant at = wall();
+    *sec = at.sec;
+    *usec = at.usec;
 }
 
 // Pins the monotonic clock at the given uptime.

@@ -31,4 +31,10 @@ LocalConnect connect_local(bool abstract, const char *name) {
     return {LocalConnect::kConnected, fd, 0};
 }
 
+long write_to_peer(int fd, const void *data, unsigned long size) {
+    const ssize_t sent = send(fd, data, size, MSG_NOSIGNAL);
+    if (sent == -1 && errno == ENOTSOCK) return write(fd, data, size);
+    return sent;
+}
+
 }  // namespace nkw::location

@@ -17,4 +17,9 @@ struct LocalConnect {
 // fails is closed.
 LocalConnect connect_local(bool abstract, const char *name);
 
+// write() that reports a peer's hang-up as EPIPE instead of raising SIGPIPE,
+// which would end the calling daemon. Descriptors that are not sockets are
+// written as usual.
+long write_to_peer(int fd, const void *data, unsigned long size);
+
 }  // namespace nkw::location

@@ -93,7 +93,8 @@ int nkw_pal_agps_enable(unsigned char enable) {
              "\n \n",
              fd);
     // Only the low 8 bits of the write result are kept, and only logged.
-    const uint8_t written = static_cast<uint8_t>(write(fd, command, std::strlen(command)));
+    const uint8_t written = static_cast<uint8_t>(
+        nkw::location::write_to_peer(fd, command, std::strlen(command)));
     NKW_LOGI("AGPS", "tolvaro_socket_tcp_client_connect_local, ret_wtite_fd = %d\n \n", written);
 
     if (!reply_accepted(fd)) {

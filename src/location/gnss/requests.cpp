@@ -1,11 +1,10 @@
 // Start and stop requests to the adaptor.
-#include <unistd.h>
-
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 
 #include "diag/log.h"
+#include "location/local_socket.h"
 #include "nkw_pal/location.h"
 
 namespace {
@@ -16,7 +15,7 @@ bool send_request(int fd, const char *command) {
     char text[kCommandSize];
     std::memset(text, 0, sizeof text);
     std::snprintf(text, sizeof text, "%s=\r\n", command);
-    if (write(fd, text, std::strlen(text)) == -1) {
+    if (nkw::location::write_to_peer(fd, text, std::strlen(text)) == -1) {
         // The message text goes where the tag belongs and the error text
         // where the format belongs; the latter is passed through "%s" so
         // that nothing in it is taken for a conversion.

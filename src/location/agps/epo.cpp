@@ -25,34 +25,43 @@ constexpr EpoLines kEpoLines[] = {
 // New files readable by the GNSS service, writable by the owner only.
 constexpr mode_t kFileMode = 0644;
 
-// Opens, truncates and writes `text` without a line end. The descriptor is
-// left open for the caller to close once both files are written.
-int write_setting(const char *fixed_path, const char *text, int *fd) {
+int open_setting(const char *fixed_path) {
     nkw::host::Path path(fixed_path);
-    *fd = open(path.c_str(), O_RDWR | O_CREAT | O_TRUNC, kFileMode);
-    if (*fd < 0) {
-        NKW_LOGE("AGPS", "open %s error \n", fixed_path);
-        return NKW_PAL_FAIL;
-    }
+    return open(path.c_str(), O_RDWR | O_CREAT | O_TRUNC, kFileMode);
+}
+
+// The text goes in without a line end.
+bool write_setting(int fd, const char *text) {
     const size_t length = std::strlen(text);
-    if (write(*fd, text, length) != static_cast<ssize_t>(length)) return NKW_PAL_FAIL;
-    return NKW_PAL_OK;
+    return write(fd, text, length) == static_cast<ssize_t>(length);
 }
 
 }  // namespace
 
 int nkw_pal_write_file(int value) {
     const EpoLines &lines = kEpoLines[value >= 0 && value <= 3 ? value : 3];
-    int mnl_fd = -1;
-    int gps_fd = -1;
-    int result = write_setting(nkw::host::gnss::paths::kMnlProp, lines.mnl_prop, &mnl_fd);
-    if (result == NKW_PAL_OK) {
-        result = write_setting(nkw::host::gnss::paths::kGpsConf, lines.gps_conf, &gps_fd);
+    using nkw::host::gnss::paths::kGpsConf;
+    using nkw::host::gnss::paths::kMnlProp;
+    // Unlike the module's first version, a failure closes what was opened.
+    const int mnl_fd = open_setting(kMnlProp);
+    if (mnl_fd < 0) {
+        NKW_LOGE("AGPS", "open %s error \n", kMnlProp);
+        return NKW_PAL_FAIL;
     }
-    // Whatever was opened is closed, on failure too.
-    if (gps_fd >= 0) close(gps_fd);
-    if (mnl_fd >= 0) close(mnl_fd);
-    return result;
+    if (!write_setting(mnl_fd, lines.mnl_prop)) {
+        close(mnl_fd);
+        return NKW_PAL_FAIL;
+    }
+    const int gps_fd = open_setting(kGpsConf);
+    if (gps_fd < 0) {
+        NKW_LOGE("AGPS", "open %s error \n", kGpsConf);
+        close(mnl_fd);
+        return NKW_PAL_FAIL;
+    }
+    const bool written = write_setting(gps_fd, lines.gps_conf);
+    close(gps_fd);
+    close(mnl_fd);
+    return written ? NKW_PAL_OK : NKW_PAL_FAIL;
 }
 
 int nkw_pal_agps_epo_qepo_config(int value) {

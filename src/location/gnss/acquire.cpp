@@ -53,7 +53,6 @@ void hand_back(nkw_pal_gnss_result *out) {
     out->sat_type = loc.sat_type;
     out->sat_num = loc.sat_num;
     out->timestamp = now_seconds();
-    NKW_LOGI("GNSS", "[location_srv]current time %lld \n", static_cast<long long>(out->timestamp));
 }
 
 }  // namespace
@@ -118,6 +117,8 @@ int nkw_pal_gnss_info_acquire(unsigned int acquisition_duration, nkw_pal_gnss_re
             nkw_pal_gnss_ops_stop_gnss();
             close_both();
             hand_back(out);
+            NKW_LOGI("GNSS", "[location_srv]current time %lld \n",
+                     static_cast<long long>(out->timestamp));
             return NKW_PAL_OK;
         }
     }

@@ -57,61 +57,10 @@ bool field(char *out, const char *text, const char *sentence, unsigned char whic
     return nkw_pal_gnss_get_special_nmea_data(out, text, sentence, which);
 }
 
-void parse_latitude(const char *text, nkw_pal_gnss_location *loc) {
-    char hemisphere[NKW_PAL_GNSS_FIELD_SIZE];
-    char value_text[NKW_PAL_GNSS_FIELD_SIZE];
-    if (!field(hemisphere, text, "$GNGGA", 3)) return;
-    NKW_LOGI("GNSS", "[location_srv]found nmea data:%s. \n", text);
-    field(value_text, text, "$GNGGA", 2);
-    double value = 0.0;
-    if (!coordinate_value(value_text, kLatitude, &value)) return;
-    if (hemisphere[0] != 'N' && hemisphere[0] != 'S') return;
-    loc->latitude = static_cast<float>(hemisphere[0] == 'N' ? value : -value);
-    NKW_LOGI("GNSS", "[location_srv]latitude:%s %f. \n", value_text, loc->latitude);
-}
-
-void parse_longitude(const char *text, nkw_pal_gnss_location *loc) {
-    char hemisphere[NKW_PAL_GNSS_FIELD_SIZE];
-    char value_text[NKW_PAL_GNSS_FIELD_SIZE];
-    if (!field(hemisphere, text, "$GNGGA", 5)) return;
-    field(value_text, text, "$GNGGA", 4);
-    double value = 0.0;
-    if (!coordinate_value(value_text, kLongitude, &value)) return;
-    if (hemisphere[0] != 'E' && hemisphere[0] != 'W') return;
-    loc->longitude = static_cast<float>(hemisphere[0] == 'E' ? value : -value);
-    NKW_LOGI("GNSS", "[location_srv]longitude:%s %f. \n", value_text, loc->longitude);
-}
-
-void parse_fix_details(const char *text, nkw_pal_gnss_location *loc) {
-    char value[NKW_PAL_GNSS_FIELD_SIZE];
-    if (field(value, text, "$GNGGA", 6)) {
-        loc->sat_type = static_cast<int32_t>(std::strtod(value, nullptr));
-        NKW_LOGI("GNSS", "[location_srv]Satellite_type:%s %d. \n", value, loc->sat_type);
-    }
-    if (field(value, text, "$GNGGA", 7)) {
-        loc->sat_num = static_cast<int32_t>(std::strtod(value, nullptr));
-        NKW_LOGI("GNSS", "[location_srv]Satellite_num:%s %d. \n", value, loc->sat_num);
-    }
-    if (field(value, text, "$GNGGA", 8)) {
-        loc->radius = static_cast<float>(std::strtod(value, nullptr));
-        NKW_LOGI("GNSS", "[location_srv]radius:%s %f. \n", value, loc->radius);
-    }
-    if (field(value, text, "$GNGGA", 9)) {
-        loc->altitude = static_cast<float>(std::strtod(value, nullptr));
-        NKW_LOGI("GNSS", "[location_srv]altitude:%s %f. \n", value, loc->altitude);
-    }
-}
-
-void parse_status(const char *text, nkw_pal_gnss_location *loc) {
-    char status[NKW_PAL_GNSS_FIELD_SIZE];
-    if (!field(status, text, "$GNRMC", 2)) return;
-    NKW_LOGI("GNSS", "[location_srv]found nmea data:%s. \n", text);
-    if (status[0] == 'A') {
-        loc->valid = 1;
-        NKW_LOGI("GNSS", "[location_srv]IsValid:%s %d. \n", status, loc->valid);
-    } else if (status[0] == 'V') {
-        loc->valid = 0;
-    }
+// The coordinate signed by its hemisphere letter; false for other letters.
+bool signed_by(char hemisphere, char positive, char negative, double *value) {
+    if (hemisphere == negative) *value = -*value;
+    return hemisphere == positive || hemisphere == negative;
 }
 
 }  // namespace
@@ -158,10 +107,54 @@ void nkw_pal_gnss_parse_location_from_nmea(const char *text, nkw_pal_gnss_locati
         NKW_LOGE("GNSS", "[location_srv]failed, string is NULL! \n");
         return;
     }
-    parse_latitude(text, loc);
-    parse_longitude(text, loc);
-    parse_fix_details(text, loc);
-    parse_status(text, loc);
+    char letter[NKW_PAL_GNSS_FIELD_SIZE];
+    char value[NKW_PAL_GNSS_FIELD_SIZE];
+    double degrees = 0.0;
+
+    if (field(letter, text, "$GNGGA", 3)) {
+        NKW_LOGI("GNSS", "[location_srv]found nmea data:%s. \n", text);
+        field(value, text, "$GNGGA", 2);
+        if (coordinate_value(value, kLatitude, &degrees) &&
+            signed_by(letter[0], 'N', 'S', &degrees)) {
+            loc->latitude = static_cast<float>(degrees);
+            NKW_LOGI("GNSS", "[location_srv]latitude:%s %f. \n", value, loc->latitude);
+        }
+    }
+    if (field(letter, text, "$GNGGA", 5)) {
+        field(value, text, "$GNGGA", 4);
+        if (coordinate_value(value, kLongitude, &degrees) &&
+            signed_by(letter[0], 'E', 'W', &degrees)) {
+            loc->longitude = static_cast<float>(degrees);
+            NKW_LOGI("GNSS", "[location_srv]longitude:%s %f. \n", value, loc->longitude);
+        }
+    }
+
+    if (field(value, text, "$GNGGA", 6)) {
+        loc->sat_type = static_cast<int32_t>(std::strtod(value, nullptr));
+        NKW_LOGI("GNSS", "[location_srv]Satellite_type:%s %d. \n", value, loc->sat_type);
+    }
+    if (field(value, text, "$GNGGA", 7)) {
+        loc->sat_num = static_cast<int32_t>(std::strtod(value, nullptr));
+        NKW_LOGI("GNSS", "[location_srv]Satellite_num:%s %d. \n", value, loc->sat_num);
+    }
+    if (field(value, text, "$GNGGA", 8)) {
+        loc->radius = static_cast<float>(std::strtod(value, nullptr));
+        NKW_LOGI("GNSS", "[location_srv]radius:%s %f. \n", value, loc->radius);
+    }
+    if (field(value, text, "$GNGGA", 9)) {
+        loc->altitude = static_cast<float>(std::strtod(value, nullptr));
+        NKW_LOGI("GNSS", "[location_srv]altitude:%s %f. \n", value, loc->altitude);
+    }
+
+    if (field(value, text, "$GNRMC", 2)) {
+        NKW_LOGI("GNSS", "[location_srv]found nmea data:%s. \n", text);
+        if (value[0] == 'A') {
+            loc->valid = 1;
+            NKW_LOGI("GNSS", "[location_srv]IsValid:%s %d. \n", value, loc->valid);
+        } else if (value[0] == 'V') {
+            loc->valid = 0;
+        }
+    }
 }
 
 }  // extern "C"

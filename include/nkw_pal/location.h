@@ -14,13 +14,13 @@ NKW_PAL_BEGIN_DECLS
 
 /* One position as the NMEA parser fills it. */
 typedef struct nkw_pal_gnss_location {
-    int32_t valid;     /* 1 when the last RMC status was 'A' */
-    float latitude;    /* signed decimal degrees, north positive */
-    float longitude;   /* signed decimal degrees, east positive */
-    float altitude;    /* GGA field 9 */
-    float radius;      /* GGA field 8, horizontal dilution */
-    int32_t sat_type;  /* GGA field 6, fix quality */
-    int32_t sat_num;   /* GGA field 7, satellites used */
+    int32_t valid;    /* 1 when the last RMC status was 'A' */
+    float latitude;   /* signed decimal degrees, north positive */
+    float longitude;  /* signed decimal degrees, east positive */
+    float altitude;   /* GGA field 9 */
+    float radius;     /* GGA field 8, horizontal dilution */
+    int32_t sat_type; /* GGA field 6, fix quality */
+    int32_t sat_num;  /* GGA field 7, satellites used */
 } nkw_pal_gnss_location;
 
 /* The single acquisition state, 48 bytes. */

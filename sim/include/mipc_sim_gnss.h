@@ -37,11 +37,11 @@ struct GnssTrack {
 };
 
 enum class AgpsReply {
-    kOk,              // "\r\nOK\r\n"
-    kSplitOk,         // "\r\nO", a pause, then "K\r\n"
-    kError,           // "\r\nERROR\r\n" twice, a pause apart, then hangs up
-    kNothing,         // hangs up without a word
-    kPartialHangUp,   // "\r\nO", then hangs up
+    kOk,             // "\r\nOK\r\n"
+    kSplitOk,        // "\r\nO", a pause, then "K\r\n"
+    kError,          // "\r\nERROR\r\n" twice, a pause apart, then hangs up
+    kNothing,        // hangs up without a word
+    kPartialHangUp,  // "\r\nO", then hangs up
 };
 
 struct GnssAdaptorScript {
@@ -66,7 +66,7 @@ std::string nmea_sentence(const std::string &body);  // "$<body>*<checksum>"
 std::string nmea_gga(const GnssPosition &position);
 std::string nmea_rmc(char status, const GnssPosition &position);
 std::string gnss_notification(const std::string &nmea);  // "\r\n+ELCSNMEA: \"<nmea>\"\r\n"
-std::string gnss_epoch_end();                             // "\r\n+ELCSNMEAEND\r\n"
+std::string gnss_epoch_end();                            // "\r\n+ELCSNMEAEND\r\n"
 // One epoch as the adaptor streams it.
 std::string gnss_epoch(const GnssPosition &position, char status);
 

@@ -102,7 +102,8 @@ class Session {
    private:
     int next_wait_ms() const {
         if (!streaming_) return kIdlePollMs;
-        auto left = std::chrono::duration_cast<std::chrono::milliseconds>(next_send_ - Clock::now());
+        auto left =
+            std::chrono::duration_cast<std::chrono::milliseconds>(next_send_ - Clock::now());
         return static_cast<int>(std::max<int64_t>(0, std::min<int64_t>(left.count(), kIdlePollMs)));
     }
 

@@ -30,7 +30,8 @@ ModemTime current() {
     timeval now{};
     gettimeofday(&now, nullptr);
     ModemTime time;
-    time.time_ms = static_cast<uint64_t>(now.tv_sec) * 1000u + static_cast<uint64_t>(now.tv_usec) / 1000u;
+    time.time_ms =
+        static_cast<uint64_t>(now.tv_sec) * 1000u + static_cast<uint64_t>(now.tv_usec) / 1000u;
     time.time_source = kSourceNetwork;
     return time;
 }

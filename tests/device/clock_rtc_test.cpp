@@ -34,11 +34,15 @@ TEST(ClockRtc, SetsAndReadsLocalTime) {
         // sec min hour day mon year wday
         {"UTC0", {0, 0, 0, 1, 3, 2024, 5}, 1709251200, {0, 0, 0, 1, 3, 2024, 5}},
         {"JST-9", {0, 0, 9, 1, 3, 2024, 5}, 1709251200, {0, 0, 9, 1, 3, 2024, 5}},
-        {"EST5EDT,M3.2.0,M11.1.0", {59, 59, 23, 31, 12, 1999, 5}, 946702799,
+        {"EST5EDT,M3.2.0,M11.1.0",
+         {59, 59, 23, 31, 12, 1999, 5},
+         946702799,
          {59, 59, 23, 31, 12, 1999, 5}},
         // The record carries no summer-time flag, so the time is taken as
         // standard time and reads back an hour later.
-        {"EST5EDT,M3.2.0,M11.1.0", {30, 15, 10, 4, 7, 2023, 2}, 1688483730,
+        {"EST5EDT,M3.2.0,M11.1.0",
+         {30, 15, 10, 4, 7, 2023, 2},
+         1688483730,
          {30, 15, 11, 4, 7, 2023, 2}},
     };
     for (const RtcCase &c : cases) {
@@ -126,9 +130,9 @@ TEST(ClockTimeText, LocalTimeIn80Bytes) {
         char out[NKW_PAL_TIME_STR_SIZE + 8];
         std::memset(out, '#', sizeof out);
         EXPECT_EQ(0, nkw_pal_TimeStamp2TimeStr(c.stamp, out));
-        const std::string expected = std::string(c.text) +
-                                     std::string(NKW_PAL_TIME_STR_SIZE - std::strlen(c.text), '\0') +
-                                     std::string(8, '#');
+        const std::string expected =
+            std::string(c.text) + std::string(NKW_PAL_TIME_STR_SIZE - std::strlen(c.text), '\0') +
+            std::string(8, '#');
         EXPECT_EQ(expected, std::string(out, sizeof out)) << c.zone;
         EXPECT_TRUE(syslog_contains(std::string("]-test time:  ") + c.text + "\n \n"));
     }

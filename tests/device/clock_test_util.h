@@ -35,8 +35,7 @@ inline int64_t utc_seconds(int year, int mon, int day, int hour = 0, int min = 0
 }
 
 // Freezes the test clock at the instant that is this local date in the current zone.
-inline int64_t freeze_at_local(int year, int mon, int day, int hour = 0, int min = 0,
-                               int sec = 0) {
+inline int64_t freeze_at_local(int year, int mon, int day, int hour = 0, int min = 0, int sec = 0) {
     tm t{};
     t.tm_year = year - 1900;
     t.tm_mon = mon - 1;

@@ -40,8 +40,9 @@ TEST(ClockTimestamp, CountsTheLocalCalendarAsUtcWithTheModulesQuirks) {
         nkw::test::freeze_at_local(c.year, c.mon, c.day, c.hour, c.min, c.sec);
         long long stamp = 0;
         ASSERT_EQ(0, nkw_pal_getTimestamp(&stamp)) << c.name;
-        const int64_t expected = nkw::test::utc_seconds(c.year, c.mon, c.day, c.hour, c.min, c.sec) +
-                                 c.days_ahead * kDay - c.wraps * kWrap;
+        const int64_t expected =
+            nkw::test::utc_seconds(c.year, c.mon, c.day, c.hour, c.min, c.sec) +
+            c.days_ahead * kDay - c.wraps * kWrap;
         EXPECT_EQ(expected, stamp) << c.name;
         EXPECT_TRUE(syslog_contains("Timestamp sec: " + std::to_string(expected) + " seconds\n \n"))
             << c.name;

@@ -73,8 +73,8 @@ TEST(GnssAcquire, AVoidStatusEndsOnlyByTheDuration) {
     EXPECT_EQ(kStartStop, mipc_sim::gnss_adaptor_commands(2));
     EXPECT_FALSE(nkw::test::fd_is_open(nkw_pal_gnss_info.fd));
     EXPECT_FALSE(nkw::test::fd_is_open(nkw_pal_gnss_info.epfd));
-    EXPECT_TRUE(
-        syslog_contains("[location_srv]quarn gps location more than acquisition_duration time. \n"));
+    EXPECT_TRUE(syslog_contains(
+        "[location_srv]quarn gps location more than acquisition_duration time. \n"));
 }
 
 TEST(GnssAcquire, AVoidStatusEndsAfter2000WakeUps) {
@@ -151,7 +151,8 @@ TEST(GnssAcquire, ANullResultIsRefusedBeforeConnecting) {
 
 TEST(GnssConnect, AbstractAndPathNames) {
     ASSERT_TRUE(nkw::test::start_adaptor(track(0)));
-    const int fd = nkw_pal_gnss_socket_tcp_client_connect_local(true, nkw_pal_sandbox_gnss_socket_name());
+    const int fd =
+        nkw_pal_gnss_socket_tcp_client_connect_local(true, nkw_pal_sandbox_gnss_socket_name());
     EXPECT_GT(fd, 0);
     close(fd);
     const std::string path = "/nonexistent/" + std::string(200, 'x');

@@ -58,8 +58,8 @@ TEST(AgpsConfig, EachModeSetsTheAdaptorAndBothFiles) {
         EXPECT_EQ(c.mnl_prop, Sandbox::current().read_file(kMnlProp)) << c.mode;
         EXPECT_EQ(c.gps_conf, Sandbox::current().read_file(kGpsConf)) << c.mode;
         EXPECT_TRUE(syslog_contains("]- nkw_pal_agps_config success \n")) << c.mode;
-        EXPECT_TRUE(syslog_contains(std::string("enable:1 disable:0. current:") + c.command[23] +
-                                    "\n \n"))
+        EXPECT_TRUE(
+            syslog_contains(std::string("enable:1 disable:0. current:") + c.command[23] + "\n \n"))
             << c.mode;
     }
 }
@@ -96,7 +96,8 @@ TEST(AgpsEnable, RepliesOfTheAdaptor) {
         ASSERT_TRUE(nkw::test::start_adaptor(replying(c.reply)));
         EXPECT_EQ(c.status, nkw_pal_agps_enable(1)) << c.name;
         EXPECT_TRUE(syslog_contains(c.message)) << c.name;
-        EXPECT_EQ(c.status == 0, syslog_contains("]-agps config success enable:1 disable:0. current:1\n \n"))
+        EXPECT_EQ(c.status == 0,
+                  syslog_contains("]-agps config success enable:1 disable:0. current:1\n \n"))
             << c.name;
         mipc_sim::stop_gnss_adaptor();
     }
@@ -118,7 +119,8 @@ TEST(AgpsConfig, BothStepsRunWhateverTheOtherGives) {
     EXPECT_EQ(-1, nkw_pal_agps_config(3));
     EXPECT_EQ("EPO_enabled=3", Sandbox::current().read_file(kMnlProp));
     EXPECT_EQ("EPO_ENABLE=0", Sandbox::current().read_file(kGpsConf));
-    EXPECT_TRUE(syslog_contains("]-socket_tcp_client_connect_local() connect() failed, abstract=1"));
+    EXPECT_TRUE(
+        syslog_contains("]-socket_tcp_client_connect_local() connect() failed, abstract=1"));
     EXPECT_TRUE(syslog_contains("]-socket_tcp_client_connect_local fail, g_gnssadp_fd = -1 \n \n"));
     EXPECT_TRUE(syslog_contains("]- nkw_pal_agps_config fail \n"));
 }

@@ -123,8 +123,8 @@ struct Feed {
 struct ReadCase {
     const char *name;
     std::string data;
-    int valid;             // afterwards; the location starts invalid
-    const char *message;   // expected in the log
+    int valid;            // afterwards; the location starts invalid
+    const char *message;  // expected in the log
 };
 
 TEST(GnssDataHandle, SplitsOneReadIntoLines) {

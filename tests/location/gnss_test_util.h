@@ -23,9 +23,10 @@ inline bool fd_is_open(int fd) {
 
 // A GGA sentence with the given coordinate fields, the rest plausible.
 inline std::string gga_with(const std::string &lat, const std::string &ns, const std::string &lon,
-                            const std::string &ew, const std::string &tail = "1,08,0.9,545.4,M,47.0,M,,") {
-    return mipc_sim::nmea_sentence("GNGGA,120000.00," + lat + "," + ns + "," + lon + "," + ew + "," +
-                                   tail);
+                            const std::string &ew,
+                            const std::string &tail = "1,08,0.9,545.4,M,47.0,M,,") {
+    return mipc_sim::nmea_sentence("GNGGA,120000.00," + lat + "," + ns + "," + lon + "," + ew +
+                                   "," + tail);
 }
 
 }  // namespace nkw::test

@@ -30,7 +30,8 @@ TEST(GnssNmeaField, PicksTheFieldBetweenCommas) {
     const FieldCase cases[] = {
         {"latitude", "$GNGGA,120000.00,4807.0380,N,01131.0000,E,1", "$GNGGA", 2, true, "4807.0380",
          nullptr},
-        {"hemisphere", "$GNGGA,120000.00,4807.0380,N,01131.0000,E,1", "$GNGGA", 3, true, "N", nullptr},
+        {"hemisphere", "$GNGGA,120000.00,4807.0380,N,01131.0000,E,1", "$GNGGA", 3, true, "N",
+         nullptr},
         {"field 0 is the name", "$GNRMC,1,A", "$GNRMC", 0, true, "GNRMC", nullptr},
         {"later sentence found", "$GPGSV,1,2$GNRMC,120000,A,", "$GNRMC", 2, true, "A", nullptr},
         {"commas of later sentences count", "$GNGGA,a,b*00$GNRMC,c,d", "$GNGGA", 3, true, "c",
@@ -52,8 +53,8 @@ TEST(GnssNmeaField, PicksTheFieldBetweenCommas) {
         nkw::test::syslog_clear();
         char out[NKW_PAL_GNSS_FIELD_SIZE + 4];
         std::memset(out, 0, sizeof out);
-        EXPECT_EQ(c.found, nkw_pal_gnss_get_special_nmea_data(out, c.text.c_str(), c.sentence,
-                                                              c.which))
+        EXPECT_EQ(c.found,
+                  nkw_pal_gnss_get_special_nmea_data(out, c.text.c_str(), c.sentence, c.which))
             << c.name;
         EXPECT_STREQ(c.field, out) << c.name;
         EXPECT_TRUE(c.message != nullptr ? syslog_contains(c.message)
@@ -114,12 +115,21 @@ struct DetailCase {
 TEST(GnssNmeaLocation, FixDetailsAndValidity) {
     const std::string rest = "4807.0380,N,01131.0000,E,";
     const DetailCase cases[] = {
-        {"GGA details", gga_with("4807.0380", "N", "01131.0000", "E", "2,11,1.2,-12.5,M,,"),
+        {"GGA details",
+         gga_with("4807.0380", "N", "01131.0000", "E", "2,11,1.2,-12.5,M,,"),
          {7, 48.1173f, 11.516667f, -12.5f, 1.2f, 2, 11}},
-        {"type truncated", gga_with("", "", "", "", "1.9,07,0.8,100,M,,"), {7, 1, 2, 100, 0.8f, 1, 7}},
+        {"type truncated",
+         gga_with("", "", "", "", "1.9,07,0.8,100,M,,"),
+         {7, 1, 2, 100, 0.8f, 1, 7}},
+        {"numbers past 32 bits held at the ends",
+         gga_with("", "", "", "", "1e12,-1e12,0.5,1e3,M,,"),
+         {7, 1, 2, 1000, 0.5f, INT32_MAX, INT32_MIN}},
         {"empty details are zero", gga_with("", "", "", "", ",,,,M,,"), {7, 1, 2, 0, 0, 0, 0}},
-        {"missing details unchanged", "$GNGGA,120000.00," + rest + "1", {7, 48.1173f, 11.516667f, 3, 4, 5, 6}},
-        {"RMC valid", mipc_sim::nmea_sentence("GNRMC,120000.00,A," + rest + "0.0,0.0,010324,,,A"),
+        {"missing details unchanged",
+         "$GNGGA,120000.00," + rest + "1",
+         {7, 48.1173f, 11.516667f, 3, 4, 5, 6}},
+        {"RMC valid",
+         mipc_sim::nmea_sentence("GNRMC,120000.00,A," + rest + "0.0,0.0,010324,,,A"),
          {1, 1, 2, 3, 4, 5, 6}},
         {"RMC void", mipc_sim::nmea_sentence("GNRMC,120000.00,V," + rest), {0, 1, 2, 3, 4, 5, 6}},
         {"RMC other status", "$GNRMC,120000.00,X,", {7, 1, 2, 3, 4, 5, 6}},

@@ -15,7 +15,8 @@ constexpr size_t kReplySize = 80;
 constexpr size_t kJoinedSize = 96;
 
 bool has_ok(const char *reply) {
-    return std::strstr(reply, "\r\nok\r\n") != nullptr || std::strstr(reply, "\r\nOK\r\n") != nullptr;
+    return std::strstr(reply, "\r\nok\r\n") != nullptr ||
+           std::strstr(reply, "\r\nOK\r\n") != nullptr;
 }
 
 // Reads one reply into a zeroed buffer of kReplySize + 1 bytes, so that it
@@ -30,7 +31,8 @@ ssize_t read_reply(int fd, char *reply) {
 extern "C" {
 
 int nkw_pal_agps_enable(unsigned char enable) {
-    const char *command = enable != 0 ? "AT+ELCSAGPSMODE=,,,,,,,1\r\n" : "AT+ELCSAGPSMODE=,,,,,,,0\r\n";
+    const char *command =
+        enable != 0 ? "AT+ELCSAGPSMODE=,,,,,,,1\r\n" : "AT+ELCSAGPSMODE=,,,,,,,0\r\n";
     const char *name = nkw::host::gnss::adaptor_socket_name();
     NKW_LOGI("AGPS",
              "[tolvaro]tolvaro_socket_tcp_client_connect_local, GNSSADP_AT_SOCKET = %s\n \n", name);
@@ -57,8 +59,8 @@ int nkw_pal_agps_enable(unsigned char enable) {
              "\n \n",
              fd);
     // Only the low 8 bits of the write result are kept, and only logged.
-    const uint8_t written = static_cast<uint8_t>(
-        nkw::location::write_to_peer(fd, command, std::strlen(command)));
+    const uint8_t written =
+        static_cast<uint8_t>(nkw::location::write_to_peer(fd, command, std::strlen(command)));
     NKW_LOGI("AGPS", "tolvaro_socket_tcp_client_connect_local, ret_wtite_fd = %d\n \n", written);
 
     // The adaptor answers "\r\nOK\r\n", possibly in two pieces; a second

@@ -103,7 +103,8 @@ int nkw_pal_gnss_info_acquire(unsigned int acquisition_duration, nkw_pal_gnss_re
         const int ready = epoll_wait(nkw_pal_gnss_info.epfd, events, kMaxEvents, -1);
         if (ready == -1) {
             if (errno == EINTR) continue;
-            NKW_LOGE("GNSS", "[location_srv]ERR: event_thread()  epoll_wait failure reason=[%s]. \n",
+            NKW_LOGE("GNSS",
+                     "[location_srv]ERR: event_thread()  epoll_wait failure reason=[%s]. \n",
                      std::strerror(errno));
             return NKW_PAL_FAIL;
         }

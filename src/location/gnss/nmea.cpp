@@ -57,6 +57,16 @@ bool field(char *out, const char *text, const char *sentence, unsigned char whic
     return nkw_pal_gnss_get_special_nmea_data(out, text, sentence, which);
 }
 
+// A decimal text truncated to an integer; values past the 32-bit range are
+// held at its ends rather than left undefined.
+int32_t truncated(const char *value) {
+    const double number = std::strtod(value, nullptr);
+    if (!(number == number)) return 0;  // NaN
+    if (number <= static_cast<double>(INT32_MIN)) return INT32_MIN;
+    if (number >= static_cast<double>(INT32_MAX)) return INT32_MAX;
+    return static_cast<int32_t>(number);
+}
+
 // The coordinate signed by its hemisphere letter; false for other letters.
 bool signed_by(char hemisphere, char positive, char negative, double *value) {
     if (hemisphere == negative) *value = -*value;
@@ -130,11 +140,11 @@ void nkw_pal_gnss_parse_location_from_nmea(const char *text, nkw_pal_gnss_locati
     }
 
     if (field(value, text, "$GNGGA", 6)) {
-        loc->sat_type = static_cast<int32_t>(std::strtod(value, nullptr));
+        loc->sat_type = truncated(value);
         NKW_LOGI("GNSS", "[location_srv]Satellite_type:%s %d. \n", value, loc->sat_type);
     }
     if (field(value, text, "$GNGGA", 7)) {
-        loc->sat_num = static_cast<int32_t>(std::strtod(value, nullptr));
+        loc->sat_num = truncated(value);
         NKW_LOGI("GNSS", "[location_srv]Satellite_num:%s %d. \n", value, loc->sat_num);
     }
     if (field(value, text, "$GNGGA", 8)) {

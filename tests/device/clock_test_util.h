@@ -22,20 +22,7 @@ inline void use_zone(const char *zone) {
     tzset();
 }
 
-// Seconds since 1970 of a calendar date read as UTC.
-inline int64_t utc_seconds(int year, int mon, int day, int hour = 0, int min = 0, int sec = 0) {
-    tm t{};
-    t.tm_year = year - 1900;
-    t.tm_mon = mon - 1;
-    t.tm_mday = day;
-    t.tm_hour = hour;
-    t.tm_min = min;
-    t.tm_sec = sec;
-    return static_cast<int64_t>(timegm(&t));
-}
-
-// Freezes the test clock at the instant that is this local date in the current zone.
-inline int64_t freeze_at_local(int year, int mon, int day, int hour = 0, int min = 0, int sec = 0) {
+inline tm calendar(int year, int mon, int day, int hour, int min, int sec) {
     tm t{};
     t.tm_year = year - 1900;
     t.tm_mon = mon - 1;
@@ -44,9 +31,19 @@ inline int64_t freeze_at_local(int year, int mon, int day, int hour = 0, int min
     t.tm_min = min;
     t.tm_sec = sec;
     t.tm_isdst = -1;
-    const int64_t instant = static_cast<int64_t>(mktime(&t));
-    nkw_pal_sandbox_clock_set(instant, 0, 0);
-    return instant;
+    return t;
+}
+
+// Seconds since 1970 of a calendar date read as UTC.
+inline int64_t utc_seconds(int year, int mon, int day, int hour = 0, int min = 0, int sec = 0) {
+    tm t = calendar(year, mon, day, hour, min, sec);
+    return static_cast<int64_t>(timegm(&t));
+}
+
+// Freezes the test clock at the instant that is this local date in the current zone.
+inline void freeze_at_local(int year, int mon, int day, int hour = 0, int min = 0, int sec = 0) {
+    tm t = calendar(year, mon, day, hour, min, sec);
+    nkw_pal_sandbox_clock_set(static_cast<int64_t>(mktime(&t)), 0, 0);
 }
 
 }  // namespace nkw::test

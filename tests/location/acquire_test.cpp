@@ -149,6 +149,25 @@ TEST(GnssAcquire, ANullResultIsRefusedBeforeConnecting) {
     EXPECT_EQ(0, mipc_sim::gnss_adaptor_connections());
 }
 
+TEST(GnssConnect, AnAdaptorThatHangsUpIsReadUntilTheEnd) {
+    // Step by step, as an acquisition would: after the hang-up the read
+    // fails and the descriptor is closed (an acquisition would then wait on
+    // an empty epoll set, so this is not run as one).
+    mipc_sim::GnssAdaptorScript script = track(5, 2, 10);
+    script.track.hang_up_after = true;
+    ASSERT_TRUE(nkw::test::start_adaptor(script));
+    const int fd =
+        nkw_pal_gnss_socket_tcp_client_connect_local(true, nkw_pal_sandbox_gnss_socket_name());
+    ASSERT_GT(fd, 0);
+    ASSERT_TRUE(nkw_pal_gnss_start_request(fd));
+    int reads = 0;
+    while (nkw_pal_gnss_gnss_data_handle(fd)) ASSERT_LT(++reads, 100);
+    EXPECT_GT(reads, 0);
+    EXPECT_FALSE(nkw::test::fd_is_open(fd));
+    EXPECT_EQ(0, nkw_pal_gnss_info.location.valid);
+    EXPECT_EQ(2u, nkw::test::syslog_matching("==========").size());
+}
+
 TEST(GnssConnect, AbstractAndPathNames) {
     ASSERT_TRUE(nkw::test::start_adaptor(track(0)));
     const int fd =

@@ -48,8 +48,9 @@ typedef struct nkw_pal_gnss_result {
 /*
  * Starts the adaptor and waits for a valid fix: 0 with `out` filled, or -1.
  * The duration is checked only between wake-ups, so an adaptor that sends
- * nothing blocks the caller past it; at most 2000 wake-ups are spent. Calls
- * must not overlap (they share nkw_pal_gnss_info).
+ * nothing blocks the caller past it, and one that hangs up leaves it waiting
+ * on nothing; at most 2000 wake-ups are spent. Calls must not overlap (they
+ * share nkw_pal_gnss_info).
  */
 NKW_PAL_API int nkw_pal_gnss_info_acquire(unsigned int acquisition_duration,
                                           nkw_pal_gnss_result *out);

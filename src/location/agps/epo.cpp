@@ -42,7 +42,7 @@ int nkw_pal_write_file(int value) {
     const EpoLines &lines = kEpoLines[value >= 0 && value <= 3 ? value : 3];
     using nkw::host::gnss::paths::kGpsConf;
     using nkw::host::gnss::paths::kMnlProp;
-    // Unlike the module's first version, a failure closes what was opened.
+    // A failure closes whatever was opened, so no descriptor is leaked.
     const int mnl_fd = open_setting(kMnlProp);
     if (mnl_fd < 0) {
         NKW_LOGE("AGPS", "open %s error \n", kMnlProp);

@@ -7,6 +7,7 @@
 
 #include "mipc_sim.h"
 #include "mipc_sim_at.h"
+#include "mipc_sim_gnss.h"
 #include "mipc_sim_indication.h"
 
 namespace {
@@ -120,6 +121,33 @@ bool use_at_channel() {
     return answered == 0 && sent == 0;
 }
 
+bool show_gnss_fix() {
+    step("a GNSS fix with its time",
+         "  The simulated GNSS adaptor listens on the adaptor's socket and streams a\n"
+         "  track that becomes valid after two epochs; nkw_pal_gnss_info_acquire\n"
+         "  starts it, reads NMEA until a valid fix (at most 10 s) and stops it. The\n"
+         "  fix's time is shown as local-time text (nkw_pal_TimeStamp2TimeStr).");
+    mipc_sim::GnssAdaptorScript script;
+    script.track.valid_after = 2;
+    script.track.interval_ms = 200;
+    if (!mipc_sim::start_gnss_adaptor("mtk_gnssadp_at", script)) {
+        std::printf("  the GNSS adaptor's socket is in use: fix skipped\n\n");
+        return true;
+    }
+    nkw_pal_gnss_result fix{};
+    const int status = nkw_pal_gnss_info_acquire(10, &fix);
+    mipc_sim::stop_gnss_adaptor();
+    if (status != 0) {
+        std::printf("  no GNSS fix (%d)\n\n", status);
+        return false;
+    }
+    char when[NKW_PAL_TIME_STR_SIZE] = {};
+    nkw_pal_TimeStamp2TimeStr(static_cast<long>(fix.timestamp), when);
+    std::printf("  fix %.6f %.6f, altitude %.1f m, %d satellites, at %s\n\n", fix.latitude,
+                fix.longitude, fix.altitude, fix.sat_num, when);
+    return true;
+}
+
 void close_all() {
     step("close the modem session and the log",
          "  nkw_pal_modem_msg_deinit ends the session; nkw_pal_log_close closes the\n"
@@ -142,6 +170,7 @@ int main() {
     }
     bool ok = answer_modem_command();
     ok = use_at_channel() && ok;
+    ok = show_gnss_fix() && ok;
     close_all();
     return ok ? 0 : 1;
 }

@@ -12,7 +12,9 @@
 
 #include "nkw_pal/codec.h"
 #include "nkw_pal/common.h"
+#include "nkw_pal/device.h"
 #include "nkw_pal/diag.h"
+#include "nkw_pal/location.h"
 #include "nkw_pal/modem.h"
 #include "nkw_pal/os.h"
 #include "nkw_pal/sms.h"

@@ -3,11 +3,11 @@
 # modem and shows its system-log lines step by step, read with logread as on
 # the module.
 #
-# The daemon runs inside private user, mount, IPC and PID namespaces with a
-# system log of its own (busybox syslogd on a private /dev/log), so the demo
-# works for an ordinary user, never meets or disturbs a system log daemon of
-# the host, and leaves nothing behind: the namespaces, the log and every
-# process in them end with the run.
+# The daemon runs inside private user, mount, IPC, PID and network namespaces
+# with a system log of its own (busybox syslogd on a private /dev/log) and a
+# private GNSS adaptor socket, so the demo works for an ordinary user, never
+# meets or disturbs a system log daemon of the host, and leaves nothing
+# behind: the namespaces, the log and every process in them end with the run.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -41,16 +41,17 @@ if [ "${1:-}" = "--in-namespaces" ]; then
         sleep 0.1
     done
 
-    if ! busybox logread | grep -q 'pal_demo.*step [0-9]'; then
+    busybox logread | grep 'pal_demo' >"$scratch/lines.txt" || true
+    if ! grep -q 'step [0-9]' "$scratch/lines.txt"; then
         echo "the daemon's lines did not reach the system log" >&2
         exit 1
     fi
     echo "== the daemon's lines in the system log (busybox logread), step by step"
-    busybox logread | grep 'pal_demo' | awk -v steps="$scratch/steps.txt" '
+    awk -v steps="$scratch/steps.txt" '
         BEGIN {
             while ((getline line < steps) > 0) {
                 if (line ~ /^step [0-9]+: /) { split(line, f, /[ :]/); n = f[2]; text[n] = "" }
-                else if (n != "") text[n] = text[n] line "\n"
+                else if (n != "" && line != "") text[n] = text[n] line "\n"
             }
         }
         /\[    DEMO\] \[step:[0-9]+\]-step [0-9]+: / {
@@ -58,9 +59,9 @@ if [ "${1:-}" = "--in-namespaces" ]; then
             marker = substr($0, RSTART + 1, RLENGTH - 1)
             sub(/ +$/, "", marker)
             split(marker, f, /[ :]/)
-            printf "\n-- %s\n%s", marker, text[f[2]]
+            printf "\n-- %s\n%s\n", marker, text[f[2]]
         }
-        { print }'
+        { print }' "$scratch/lines.txt"
     kill %1 2>/dev/null || true
     exit 0
 fi
@@ -76,7 +77,7 @@ cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DNKW_PAL_BUIL
 cmake --build "$build" | grep -E 'stripped size|error|warning' || true
 [ -x "$build/examples/pal_demo" ] || { echo "the build failed"; exit 1; }
 
-namespaces=(unshare --user --map-root-user --mount --ipc --pid --fork --kill-child)
+namespaces=(unshare --user --map-root-user --mount --ipc --pid --net --fork --kill-child)
 if ! "${namespaces[@]}" true 2>/dev/null; then
     echo "this demo runs in private user namespaces, which this host refuses" >&2
     echo "(enable them with: sysctl kernel.unprivileged_userns_clone=1)" >&2

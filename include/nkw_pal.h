@@ -12,6 +12,7 @@
 
 #include "nkw_pal/codec.h"
 #include "nkw_pal/common.h"
+#include "nkw_pal/connect.h"
 #include "nkw_pal/diag.h"
 #include "nkw_pal/modem.h"
 #include "nkw_pal/os.h"

@@ -83,15 +83,15 @@ typedef struct {
  * Addresses are in network byte order.
  */
 typedef struct __attribute__((packed)) {
-    uint8_t data_call_id;  /* offset 0 */
-    uint8_t reserved[3];   /* left untouched */
-    int32_t interface_id;  /* 4: N of ccmni<N> */
+    uint8_t data_call_id;                     /* offset 0 */
+    uint8_t reserved[3];                      /* left untouched */
+    int32_t interface_id;                     /* 4: N of ccmni<N> */
     char apn[NKW_PAL_DATA_CALL_INFO_APN_LEN]; /* 8: as the network confirmed it */
-    uint8_t pdp_type;      /* 109 */
-    uint8_t v4_addr[4];    /* 110 */
-    uint8_t v6_addr[16];   /* 114 */
-    uint8_t v4_dns[4];     /* 130: primary */
-    uint8_t v6_dns[16];    /* 134: primary */
+    uint8_t pdp_type;                         /* 109 */
+    uint8_t v4_addr[4];                       /* 110 */
+    uint8_t v6_addr[16];                      /* 114 */
+    uint8_t v4_dns[4];                        /* 130: primary */
+    uint8_t v6_dns[16];                       /* 134: primary */
 } nkw_pal_data_conn_info_t;
 
 /* A call the network ended. */
@@ -123,8 +123,8 @@ NKW_PAL_API int32_t nkw_pal_data_conn_release(const uint8_t *data_call_id);
 typedef void (*nkw_pal_data_call_deact_cb)(const nkw_pal_data_call_deact_t *info);
 
 /* Installs the deactivation indication (name as shipped). 0; 3; -1. */
-NKW_PAL_API int32_t nkw_pal_data_connection_deactivated_regisetr(
-    nkw_pal_data_call_deact_cb callback, void *user);
+NKW_PAL_API int32_t
+nkw_pal_data_connection_deactivated_regisetr(nkw_pal_data_call_deact_cb callback, void *user);
 
 /* ---- Host side: PDP type, traffic counters -------------------------------- */
 

@@ -21,7 +21,7 @@ struct DataCallAnswer {
     int id = -1;
     int interface_id = -1;
     int pdp_type = -1;
-    std::string apn;  // empty: as requested
+    std::string apn;             // empty: as requested
     bool addresses_set = false;  // true: use the addresses below as they are
     Ipv4 v4_addr{};
     Ipv6 v6_addr{};

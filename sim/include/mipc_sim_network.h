@@ -3,10 +3,10 @@
 // indication to every registered listener, from the dispatcher thread.
 #pragma once
 
+#include <mipc_msg.h>
+
 #include <cstdint>
 #include <string>
-
-#include <mipc_msg.h>
 
 namespace mipc_sim {
 

@@ -76,8 +76,7 @@ mipc_data_call_act_struct activate_locked(const DataCallRequest &request) {
     if (answer.result_code != 0) return call;
     call.id = static_cast<uint8_t>(answer.id >= 0 ? answer.id : next_free_id_locked());
     call.interface_id = answer.interface_id >= 0 ? answer.interface_id : call.id - 1;
-    call.pdp_type =
-        static_cast<uint8_t>(answer.pdp_type >= 0 ? answer.pdp_type : request.pdp_type);
+    call.pdp_type = static_cast<uint8_t>(answer.pdp_type >= 0 ? answer.pdp_type : request.pdp_type);
     const std::string &apn = answer.apn.empty() ? request.apn : answer.apn;
     std::strncpy(call.apn, apn.c_str(), sizeof call.apn - 1);
 

@@ -22,8 +22,9 @@ bool fakes_first_on_path() {
 
 FILE *open_pipe(const char *command_line) {
     if (!fakes_first_on_path()) {
-        std::fprintf(stderr, "nkw_pal sandbox build: PATH does not start with the fakes; "
-                             "refusing to touch the host\n");
+        std::fprintf(stderr,
+                     "nkw_pal sandbox build: PATH does not start with the fakes; "
+                     "refusing to touch the host\n");
         std::abort();
     }
     return popen(command_line, "r");

@@ -69,10 +69,10 @@ TEST_F(DataCall, Ipv4CallConfiguresRouteMtuAndBothFamiliesOfDns) {
     EXPECT_EQ(0, std::memcmp(dns4, info.v4_dns, 4));
 
     // A check that finds nothing ends the wait at once (read as ready).
-    EXPECT_EQ(std::vector<std::string>({"ip link show ccmni0", "ip link show ccmni0",
-                                        "route add default dev ccmni0",
-                                        "ip link set ccmni0 mtu 1340"}),
-              Sandbox::current().commands());
+    EXPECT_EQ(
+        std::vector<std::string>({"ip link show ccmni0", "ip link show ccmni0",
+                                  "route add default dev ccmni0", "ip link set ccmni0 mtu 1340"}),
+        Sandbox::current().commands());
     EXPECT_TRUE(syslog_contains("set default route success\n \n"));
     EXPECT_EQ(std::string("nameserver 192.0.2.53\nnameserver 192.0.2.54\n") + "nameserver " +
                   kV6Zero + "\nnameserver " + kV6Zero + "\n",
@@ -153,8 +153,10 @@ TEST_F(DataCall, RefusalsLeaveTheRecordTheRouteAndTheResolverAlone) {
         mipc_sim::fail_next(c.function, c.fault);
         uint8_t raw[sizeof(nkw_pal_data_conn_info_t)];
         std::memset(raw, 0xEE, sizeof raw);
-        EXPECT_EQ(-1, nkw_pal_data_conn_sync(&req, reinterpret_cast<nkw_pal_data_conn_info_t *>(raw)));
-        EXPECT_EQ(std::vector<uint8_t>(sizeof raw, 0xEE), std::vector<uint8_t>(raw, raw + sizeof raw));
+        EXPECT_EQ(-1,
+                  nkw_pal_data_conn_sync(&req, reinterpret_cast<nkw_pal_data_conn_info_t *>(raw)));
+        EXPECT_EQ(std::vector<uint8_t>(sizeof raw, 0xEE),
+                  std::vector<uint8_t>(raw, raw + sizeof raw));
         EXPECT_TRUE(syslog_contains(c.line));
     }
     nkw_pal_data_conn_info_t info;
@@ -194,10 +196,12 @@ TEST_F(DataCall, OnlyAnInterfaceTheCheckCallsReadyRunsTheWholeWait) {
         ASSERT_EQ(0, nkw_pal_data_conn_sync(&req, &info));
 
         size_t checks = 0;
-        for (const std::string &command : box.commands()) checks += command == "ip link show ccmni0";
+        for (const std::string &command : box.commands())
+            checks += command == "ip link show ccmni0";
         EXPECT_EQ(c.checks, checks);
         EXPECT_EQ(c.checks - 1, nkw::test::syslog_matching("ccmni retry times:").size());
-        EXPECT_EQ(c.gave_up, syslog_contains("Error: ccmni interface not ready after 30 retries\n \n"));
+        EXPECT_EQ(c.gave_up,
+                  syslog_contains("Error: ccmni interface not ready after 30 retries\n \n"));
         EXPECT_EQ(c.gave_up, syslog_contains("still try to set default route\n \n"));
         EXPECT_EQ(!c.gave_up, syslog_contains("set default route success\n \n"));
         EXPECT_EQ("ip link set ccmni0 mtu 1340", box.commands().back());
@@ -275,7 +279,8 @@ TEST_F(DataCallIndication, NetworkEndedCallsReachEveryCallback) {
 }
 
 TEST_F(DataCallIndication, ARefusedRegistrationIsReported) {
-    mipc_sim::fail_next("mipc_data_call_deact_register", mipc_sim::return_value(MIPC_RESULT_FAILURE));
+    mipc_sim::fail_next("mipc_data_call_deact_register",
+                        mipc_sim::return_value(MIPC_RESULT_FAILURE));
     EXPECT_EQ(-1, nkw_pal_data_connection_deactivated_regisetr(on_ended, nullptr));
     EXPECT_TRUE(syslog_contains("[platform] mipc_data_call_deact_register callback failed \n"));
 }

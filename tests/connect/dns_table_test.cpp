@@ -29,8 +29,9 @@ TEST(DnsTable, RefreshReplacesTheFileAndAddAppends) {
     refresh("192.0.2.53", "2001:DB8::53");
     EXPECT_EQ("nameserver 192.0.2.53\nnameserver 2001:DB8::53\n", box.read_file(kResolv));
     add("::1", "0.0.0.0");
-    EXPECT_EQ("nameserver 192.0.2.53\nnameserver 2001:DB8::53\nnameserver ::1\nnameserver 0.0.0.0\n",
-              box.read_file(kResolv));
+    EXPECT_EQ(
+        "nameserver 192.0.2.53\nnameserver 2001:DB8::53\nnameserver ::1\nnameserver 0.0.0.0\n",
+        box.read_file(kResolv));
     EXPECT_TRUE(syslog_contains("[connection_manage] begin to refresh dns table \n"));
     EXPECT_TRUE(syslog_contains("[connection_manage] begin to add dns table \n"));
     EXPECT_TRUE(syslog_contains("[connection_manage] set dns table:2001:DB8::53 \n"));
@@ -74,8 +75,8 @@ TEST(DnsTable, HostileServerTextRunsNoCommandAndLeavesTheFileAlone) {
         nkw::test::syslog_clear();
         refresh(text, "192.0.2.9");
         add("192.0.2.9", text);
-        EXPECT_EQ(2u,
-                  nkw::test::syslog_matching("[connection_manage] refused dns server text:").size());
+        EXPECT_EQ(
+            2u, nkw::test::syslog_matching("[connection_manage] refused dns server text:").size());
         EXPECT_FALSE(syslog_contains("set dns table"));
     }
     EXPECT_TRUE(box.commands().empty());
@@ -86,7 +87,8 @@ TEST(DnsTable, AnUnopenableFileEndsTheOperationBeforeTheShell) {
     const Sandbox &box = Sandbox::current();
     box.write_file("/etc/resolv.conf/blocker", "");  // a directory cannot be opened read-write
     refresh("192.0.2.1", "192.0.2.2");
-    EXPECT_TRUE(syslog_contains("[connection_manage] fatal error!!!, open file failed, fp:-1\n \n"));
+    EXPECT_TRUE(
+        syslog_contains("[connection_manage] fatal error!!!, open file failed, fp:-1\n \n"));
     EXPECT_FALSE(syslog_contains("set dns table"));
 }
 

@@ -71,11 +71,13 @@ TEST(DataCallNamespaces, ActivationSetsRouteMtuAndResolverWithTheRealTools) {
         "ip link add ccmni0 type veth peer name modem0; "
         "ip link set modem0 up; ip link set ccmni0 up; "
         "ip addr add 10.0.0.2/24 dev ccmni0; "
-        "mount --bind " + resolv + " /etc/resolv.conf; "
-        NKW_PAL_NETNS_HELPER " " + namespace_of("net") + " " + namespace_of("mnt") + "; "
-        "echo \"--- route\"; ip route show default; "
-        "echo \"--- link\"; ip link show ccmni0; "
-        "echo \"--- resolv\"; cat /etc/resolv.conf",
+        "mount --bind " +
+            resolv + " /etc/resolv.conf; " NKW_PAL_NETNS_HELPER " " + namespace_of("net") + " " +
+            namespace_of("mnt") +
+            "; "
+            "echo \"--- route\"; ip route show default; "
+            "echo \"--- link\"; ip link show ccmni0; "
+            "echo \"--- resolv\"; cat /etc/resolv.conf",
         &output);
     ASSERT_EQ(0, status) << output;
 

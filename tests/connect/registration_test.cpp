@@ -47,7 +47,7 @@ TEST(Registration, StatesMapTheSameForQueryAndIndicationExceptUnknownValues) {
         uint32_t queried;  // kUntouched: the output keeps its value
         uint32_t indicated;
     };
-    const Case cases[] = {{2, 2, 2}, {0, 0, 0}, {1, 1, 1}, {3, 3, 3},
+    const Case cases[] = {{2, 2, 2}, {0, 0, 0}, {1, 1, 1},         {3, 3, 3},
                           {4, 0, 0}, {5, 4, 4}, {7, kUntouched, 0}};
     ASSERT_EQ(0, nkw_pal_register_state_indication_register(listen, nullptr));
     for (const Case &c : cases) {
@@ -59,8 +59,8 @@ TEST(Registration, StatesMapTheSameForQueryAndIndicationExceptUnknownValues) {
         uint32_t state = kUntouched;
         EXPECT_EQ(0, nkw_pal_get_register_state(&state));
         EXPECT_EQ(c.queried, state);
-        EXPECT_TRUE(syslog_contains("[platform] network ps_state:" + std::to_string(c.modem) +
-                                    " \n"));
+        EXPECT_TRUE(
+            syslog_contains("[platform] network ps_state:" + std::to_string(c.modem) + " \n"));
     }
 }
 
@@ -88,8 +88,8 @@ TEST(Registration, InfoStringCopiesMccAndTheFourBytesAfterItOnlyWhenRegistered) 
         EXPECT_EQ(0, nkw_pal_get_register_info_str(mcc, mnc));
         EXPECT_EQ(c.mcc, std::string(mcc, sizeof mcc));
         EXPECT_EQ(c.mnc, std::string(mnc, sizeof mnc));
-        EXPECT_TRUE(syslog_contains("network network_name: Test Network, reg_state.plmn: " +
-                                    c.plmn + " \n"));
+        EXPECT_TRUE(syslog_contains(
+            "network network_name: Test Network, reg_state.plmn: " + c.plmn + " \n"));
     }
 }
 
@@ -171,7 +171,8 @@ TEST(RegistrationIndication, EveryListenerHearsADetachWithItsOwnUserData) {
     ASSERT_EQ(2u, heard().states.size());
     EXPECT_EQ(std::make_pair(0u, static_cast<void *>(&first)), heard().states[0]);
     EXPECT_EQ(std::make_pair(0u, static_cast<void *>(&second)), heard().states[1]);
-    EXPECT_TRUE(syslog_contains("register_state_ind_cb network_error=0, ps_state=0, cs_state=1 \n"));
+    EXPECT_TRUE(
+        syslog_contains("register_state_ind_cb network_error=0, ps_state=0, cs_state=1 \n"));
 
     uint32_t state = 9;
     EXPECT_EQ(0, nkw_pal_get_register_state(&state));

@@ -23,9 +23,9 @@ TEST(Traffic, CountersAreReadAsDecimalTextOf32Bits) {
     };
     const Case cases[] = {
         {"1234\n", "99\n", 1234, 99},
-        {"", "7", 0, 7},  // an empty counter reads as 0
+        {"", "7", 0, 7},                                   // an empty counter reads as 0
         {"4294967295\n", "4294967296\n", 4294967295u, 0},  // past 4 GiB it wraps
-        {std::string(30, '0') + "123", "5", 0, 5},  // only 30 bytes are read
+        {std::string(30, '0') + "123", "5", 0, 5},         // only 30 bytes are read
     };
     const Sandbox &box = Sandbox::current();
     for (const Case &c : cases) {

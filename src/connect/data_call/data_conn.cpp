@@ -70,10 +70,9 @@ extern "C" int32_t nkw_pal_data_conn_sync(const nkw_pal_data_conn_req_t *req,
 
     mipc_data_call_act_struct call;
     std::memset(&call, 0, sizeof call);
-    int32_t result = mipc_data_call_act_sync(MIPC_PS_ALL, &call, req->apn, req->apn_type,
-                                             req->pdp_type, req->roaming_pdp_type, req->auth_type,
-                                             req->username, req->password, kFallbackType,
-                                             kAllOptions);
+    int32_t result = mipc_data_call_act_sync(
+        MIPC_PS_ALL, &call, req->apn, req->apn_type, req->pdp_type, req->roaming_pdp_type,
+        req->auth_type, req->username, req->password, kFallbackType, kAllOptions);
     if (result != 0) {
         NKW_LOGE(kTag, "[connection_manage] act data call failed for result:%d \n", result);
         return NKW_PAL_FAIL;

@@ -42,7 +42,7 @@ void nkw_pal_mipc_data_connection_deact_ind_cb(mipc_sim_ps_id_enum,
 }  // namespace
 
 extern "C" int32_t nkw_pal_data_connection_deactivated_regisetr(nkw_pal_data_call_deact_cb callback,
-                                                               void *user) {
+                                                                void *user) {
     auto listener = nkw::HeapRecord<Listener>::allocate();
     if (!listener) {
         NKW_LOGE(kTag, "[platform] malloc deactivated ind info_p fail, not enough memory \n");

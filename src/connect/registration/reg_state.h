@@ -14,9 +14,8 @@ struct RegStateMapping {
 
 // "Unknown" reads as not registered; roaming moves down to close the gap.
 inline constexpr RegStateMapping kRegStates[] = {
-    {0, NKW_PAL_REG_NOT_REGISTERED}, {1, NKW_PAL_REG_HOME},
-    {2, NKW_PAL_REG_SEARCHING},      {3, NKW_PAL_REG_DENIED},
-    {4, NKW_PAL_REG_NOT_REGISTERED}, {5, NKW_PAL_REG_ROAMING},
+    {0, NKW_PAL_REG_NOT_REGISTERED}, {1, NKW_PAL_REG_HOME},           {2, NKW_PAL_REG_SEARCHING},
+    {3, NKW_PAL_REG_DENIED},         {4, NKW_PAL_REG_NOT_REGISTERED}, {5, NKW_PAL_REG_ROAMING},
 };
 
 // False for a state the table does not hold (*mapped untouched).

@@ -51,8 +51,10 @@ void __vsyslog_chk(int priority, int, const char *format, va_list args) {
 int main(int argc, char **argv) {
     if (argc != 3 || namespace_of("net").empty() || namespace_of("net") == argv[1] ||
         namespace_of("mnt") == argv[2]) {
-        std::fprintf(stderr, "usage: %s <parent net ns> <parent mnt ns>, run in private "
-                             "network and mount namespaces\n", argv[0]);
+        std::fprintf(stderr,
+                     "usage: %s <parent net ns> <parent mnt ns>, run in private "
+                     "network and mount namespaces\n",
+                     argv[0]);
         return 3;
     }
     mipc_sim::DataCallAnswer answer;

@@ -6,6 +6,7 @@
 
 #include "core.h"
 #include "mipc_sim_data_call.h"
+#include "model_support.h"
 
 using namespace mipc_sim;
 
@@ -38,25 +39,7 @@ DataCalls &calls() {
     return instance;
 }
 
-// Records handed over at registration live as long as the process.
-std::vector<void *> &kept_records() {
-    static std::vector<void *> records;
-    return records;
-}
-
 const core::ResetHook kReset([] { calls() = DataCalls{}; });
-
-bool faulted_return(const char *function, uint32_t *code, mipc_result_enum *early) {
-    Fault fault{};
-    if (!core::take_fault(function, &fault)) return false;
-    if (fault.kind == Fault::Kind::kResultCode) {
-        *code = fault.value;
-        return false;
-    }
-    *early = fault.kind == Fault::Kind::kReturn ? static_cast<mipc_result_enum>(fault.value)
-                                                : MIPC_RESULT_TIMEOUT;
-    return true;
-}
 
 uint8_t next_free_id_locked() {
     uint8_t id = 1;
@@ -133,7 +116,7 @@ mipc_result_enum mipc_data_call_act_sync(mipc_sim_ps_id_enum sim_ps_id,
     }
     uint32_t code = 0;
     mipc_result_enum early{};
-    if (faulted_return("mipc_data_call_act_sync", &code, &early)) return early;
+    if (core::take_call_fault("mipc_data_call_act_sync", &code, &early)) return early;
     if (result_ptr == nullptr || apn_ptr == nullptr) return MIPC_RESULT_BAD_PARAM;
     if (code != 0) {
         std::memset(result_ptr, 0, sizeof *result_ptr);
@@ -150,7 +133,7 @@ mipc_result_enum mipc_data_call_get_sync(mipc_sim_ps_id_enum sim_ps_id,
     core::record({"mipc_data_call_get_sync", sim_ps_id, 0, "", id, {}});
     uint32_t code = 0;
     mipc_result_enum early{};
-    if (faulted_return("mipc_data_call_get_sync", &code, &early)) return early;
+    if (core::take_call_fault("mipc_data_call_get_sync", &code, &early)) return early;
     if (result_ptr == nullptr) return MIPC_RESULT_BAD_PARAM;
     std::memset(result_ptr, 0, sizeof *result_ptr);
     std::lock_guard<std::mutex> guard(core::state_lock());
@@ -169,7 +152,7 @@ mipc_result_enum mipc_data_call_deact_sync(mipc_sim_ps_id_enum sim_ps_id,
     core::record({"mipc_data_call_deact_sync", sim_ps_id, 0, "", id, {}});
     uint32_t code = 0;
     mipc_result_enum early{};
-    if (faulted_return("mipc_data_call_deact_sync", &code, &early)) return early;
+    if (core::take_call_fault("mipc_data_call_deact_sync", &code, &early)) return early;
     if (result_ptr == nullptr) return MIPC_RESULT_BAD_PARAM;
     std::memset(result_ptr, 0, sizeof *result_ptr);
     result_ptr->id = id;
@@ -188,8 +171,8 @@ mipc_result_enum mipc_data_call_deact_register(mipc_sim_ps_id_enum sim_ps_id,
     core::record({"mipc_data_call_deact_register", sim_ps_id, 0, "", 0, {}});
     Fault fault{};
     bool faulted = core::take_fault("mipc_data_call_deact_register", &fault);
+    core::keep_for_process(cb_priv_ptr);
     std::lock_guard<std::mutex> guard(core::state_lock());
-    kept_records().push_back(cb_priv_ptr);
     if (faulted) return static_cast<mipc_result_enum>(fault.value);
     if (cb == nullptr) return MIPC_RESULT_BAD_PARAM;
     calls().listeners.push_back({sim_ps_id, cb, cb_priv_ptr});

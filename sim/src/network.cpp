@@ -4,6 +4,7 @@
 
 #include "core.h"
 #include "mipc_sim_network.h"
+#include "model_support.h"
 
 using namespace mipc_sim;
 
@@ -27,13 +28,6 @@ struct Network {
 Network &network() {
     static Network instance;
     return instance;
-}
-
-// Records handed over at registration live as long as the process, as with
-// the real library; kept reachable here so leak checkers agree.
-std::vector<void *> &kept_records() {
-    static std::vector<void *> records;
-    return records;
 }
 
 const core::ResetHook kReset([] { network() = Network{}; });
@@ -79,20 +73,6 @@ void announce_if_changed(const Registration &before) {
     drain();
 }
 
-// A queued fault: kReturn ends the call with its value, kResultCode is
-// stored in *code for the record.
-bool faulted_return(const char *function, uint32_t *code, mipc_result_enum *early) {
-    Fault fault{};
-    if (!core::take_fault(function, &fault)) return false;
-    if (fault.kind == Fault::Kind::kResultCode) {
-        *code = fault.value;
-        return false;
-    }
-    *early = fault.kind == Fault::Kind::kReturn ? static_cast<mipc_result_enum>(fault.value)
-                                                : MIPC_RESULT_TIMEOUT;
-    return true;
-}
-
 }  // namespace
 
 extern "C" {
@@ -102,7 +82,7 @@ mipc_result_enum mipc_nw_register_state_get_sync(mipc_sim_ps_id_enum sim_ps_id,
     core::record({"mipc_nw_register_state_get_sync", sim_ps_id, 0, "", 0, {}});
     uint32_t code = 0;
     mipc_result_enum early{};
-    if (faulted_return("mipc_nw_register_state_get_sync", &code, &early)) return early;
+    if (core::take_call_fault("mipc_nw_register_state_get_sync", &code, &early)) return early;
     if (result_ptr == nullptr) return MIPC_RESULT_BAD_PARAM;
     {
         std::lock_guard<std::mutex> guard(core::state_lock());
@@ -117,7 +97,7 @@ mipc_result_enum mipc_nw_ps_get_sync(mipc_sim_ps_id_enum sim_ps_id,
     core::record({"mipc_nw_ps_get_sync", sim_ps_id, 0, "", 0, {}});
     uint32_t code = 0;
     mipc_result_enum early{};
-    if (faulted_return("mipc_nw_ps_get_sync", &code, &early)) return early;
+    if (core::take_call_fault("mipc_nw_ps_get_sync", &code, &early)) return early;
     if (result_ptr == nullptr) return MIPC_RESULT_BAD_PARAM;
     std::memset(result_ptr, 0, sizeof *result_ptr);
     std::lock_guard<std::mutex> guard(core::state_lock());
@@ -133,7 +113,7 @@ mipc_result_enum mipc_nw_ps_set_sync(mipc_sim_ps_id_enum sim_ps_id,
     core::record({"mipc_nw_ps_set_sync", sim_ps_id, 0, "", attach_state, {}});
     uint32_t code = 0;
     mipc_result_enum early{};
-    if (faulted_return("mipc_nw_ps_set_sync", &code, &early)) return early;
+    if (core::take_call_fault("mipc_nw_ps_set_sync", &code, &early)) return early;
     if (result_ptr == nullptr) return MIPC_RESULT_BAD_PARAM;
     std::memset(result_ptr, 0, sizeof *result_ptr);
     if (attach_state != kAttached && attach_state != kDetached) {
@@ -158,8 +138,8 @@ mipc_result_enum mipc_nw_register_state_register(mipc_sim_ps_id_enum sim_ps_id,
     core::record({"mipc_nw_register_state_register", sim_ps_id, 0, "", 0, {}});
     Fault fault{};
     bool faulted = core::take_fault("mipc_nw_register_state_register", &fault);
+    core::keep_for_process(cb_priv_ptr);
     std::lock_guard<std::mutex> guard(core::state_lock());
-    kept_records().push_back(cb_priv_ptr);
     if (faulted) return static_cast<mipc_result_enum>(fault.value);
     if (cb == nullptr) return MIPC_RESULT_BAD_PARAM;
     network().listeners.push_back({sim_ps_id, cb, cb_priv_ptr});

@@ -23,9 +23,11 @@ void add(std::string a, std::string b) {
     nkw_pal_add_dns_table(a.data(), b.data());
 }
 
-TEST(DnsTable, RefreshReplacesTheFileAndAddAppends) {
+TEST(DnsTable, AddCreatesTheFileRefreshReplacesItAndAddAppends) {
     const Sandbox &box = Sandbox::current();
-    box.write_file(kResolv, "nameserver 203.0.113.1\n");
+    box.write_file("/etc/hostname", "");
+    add("203.0.113.1", "203.0.113.2");
+    EXPECT_EQ("nameserver 203.0.113.1\nnameserver 203.0.113.2\n", box.read_file(kResolv));
     refresh("192.0.2.53", "2001:DB8::53");
     EXPECT_EQ("nameserver 192.0.2.53\nnameserver 2001:DB8::53\n", box.read_file(kResolv));
     add("::1", "0.0.0.0");
@@ -35,13 +37,6 @@ TEST(DnsTable, RefreshReplacesTheFileAndAddAppends) {
     EXPECT_TRUE(syslog_contains("[connection_manage] begin to refresh dns table \n"));
     EXPECT_TRUE(syslog_contains("[connection_manage] begin to add dns table \n"));
     EXPECT_TRUE(syslog_contains("[connection_manage] set dns table:2001:DB8::53 \n"));
-}
-
-TEST(DnsTable, AMissingFileIsCreatedWithEveryoneAllowedToWrite) {
-    const Sandbox &box = Sandbox::current();
-    box.write_file("/etc/keep", "");
-    add("192.0.2.1", "192.0.2.2");
-    EXPECT_EQ("nameserver 192.0.2.1\nnameserver 192.0.2.2\n", box.read_file(kResolv));
 }
 
 TEST(DnsTable, NullServersDoNothingSilently) {

@@ -24,29 +24,20 @@ std::string namespace_of(const char *kind) {
 
 }  // namespace
 
-// The library's lines go to stderr, never to the host's system log.
-extern "C" {
-void openlog(const char *, int, int) {}
-void closelog(void) {}
-void vsyslog(int, const char *format, va_list args) {
+// The library's lines go to stderr, never to the host's system log (the
+// library calls syslog() only; fortified builds reach __syslog_chk).
+extern "C" void syslog(int, const char *format, ...) {
+    va_list args;
+    va_start(args, format);
     std::vfprintf(stderr, format, args);
-}
-void syslog(int priority, const char *format, ...) {
-    va_list args;
-    va_start(args, format);
-    vsyslog(priority, format, args);
     va_end(args);
 }
-void __syslog_chk(int priority, int, const char *format, ...) {
+extern "C" void __syslog_chk(int, int, const char *format, ...) {
     va_list args;
     va_start(args, format);
-    vsyslog(priority, format, args);
+    std::vfprintf(stderr, format, args);
     va_end(args);
 }
-void __vsyslog_chk(int priority, int, const char *format, va_list args) {
-    vsyslog(priority, format, args);
-}
-}  // extern "C"
 
 int main(int argc, char **argv) {
     if (argc != 3 || namespace_of("net").empty() || namespace_of("net") == argv[1] ||

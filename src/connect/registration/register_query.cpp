@@ -18,6 +18,13 @@ bool ps_registered(uint8_t ps_state) {
     return ps_state == MIPC_NW_REG_STATE_HOME || ps_state == MIPC_NW_REG_STATE_ROAMING;
 }
 
+// The query judged twice: 0, else the call's return or the record's code.
+int32_t query_registration(mipc_nw_reg_state_struct *record) {
+    std::memset(record, 0, sizeof *record);
+    int32_t result = mipc_nw_register_state_get_sync(MIPC_PS_ALL, record);
+    return result != 0 ? result : static_cast<int32_t>(record->result_code);
+}
+
 }  // namespace
 
 extern "C" {
@@ -28,11 +35,9 @@ int32_t nkw_pal_get_register_info_str(char mcc[3], char mnc[4]) {
         return NKW_PAL_FAIL;
     }
     mipc_nw_reg_state_struct record;
-    std::memset(&record, 0, sizeof record);
-    int32_t result = mipc_nw_register_state_get_sync(MIPC_PS_ALL, &record);
-    if (result != 0 || record.result_code != 0) {
-        NKW_LOGE(kTag, "[platform] nkw_pal_get_register_info failed, result=%d \n",
-                 result != 0 ? result : static_cast<int32_t>(record.result_code));
+    int32_t failure = query_registration(&record);
+    if (failure != 0) {
+        NKW_LOGE(kTag, "[platform] nkw_pal_get_register_info failed, result=%d \n", failure);
         return NKW_PAL_FAIL;
     }
     if (ps_registered(record.ps_state)) {
@@ -52,11 +57,9 @@ int32_t nkw_pal_get_register_state(uint32_t *state) {
         return NKW_PAL_FAIL;
     }
     mipc_nw_reg_state_struct record;
-    std::memset(&record, 0, sizeof record);
-    int32_t result = mipc_nw_register_state_get_sync(MIPC_PS_ALL, &record);
-    if (result != 0 || record.result_code != 0) {
-        NKW_LOGE(kTag, "[platform] nkw_pal_get_register_state failed, result=%d \n",
-                 result != 0 ? result : static_cast<int32_t>(record.result_code));
+    int32_t failure = query_registration(&record);
+    if (failure != 0) {
+        NKW_LOGE(kTag, "[platform] nkw_pal_get_register_state failed, result=%d \n", failure);
         return NKW_PAL_FAIL;
     }
     nkw::connect::map_reg_state(record.ps_state, state);

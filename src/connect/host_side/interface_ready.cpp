@@ -14,8 +14,8 @@ constexpr size_t kNameSize = 32;
 constexpr size_t kCommandSize = 128;
 constexpr size_t kLineSize = 256;
 
-// True when the pipeline prints at least one line. -1 from open when the
-// pipe could not be opened.
+// 1 when the pipeline prints a line, 0 when it prints none, -1 when the
+// pipe cannot be opened.
 int pipeline_prints(const char *format, const char *ifname) {
     char command[kCommandSize];
     std::memset(command, 0, sizeof command);

@@ -12,6 +12,7 @@
 
 #include "nkw_pal/codec.h"
 #include "nkw_pal/common.h"
+#include "nkw_pal/connect.h"
 #include "nkw_pal/device.h"
 #include "nkw_pal/diag.h"
 #include "nkw_pal/location.h"

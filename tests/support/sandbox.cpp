@@ -107,6 +107,16 @@ void Sandbox::set_fake_output(const std::string &name, const std::string &text) 
     std::ofstream(root_ + "/fake_output/" + name) << text;
 }
 
+void Sandbox::set_fake_answer(const std::string &command, const std::string &text,
+                              int status) const {
+    std::string key = command;
+    for (char &c : key) c = c == ' ' ? '_' : c;
+    make_dirs(root_ + "/fake_output");
+    make_dirs(root_ + "/fake_status");
+    std::ofstream(root_ + "/fake_output/" + key) << text;
+    std::ofstream(root_ + "/fake_status/" + key) << status;
+}
+
 std::string Sandbox::unique_name(const std::string &base) {
     static std::atomic<int> counter{0};
     return base + "_" + std::to_string(getpid()) + "_" + std::to_string(counter++);

@@ -29,6 +29,9 @@ class Sandbox {
     std::vector<std::string> commands() const;
     // What the fake `name` prints from now on.
     void set_fake_output(const std::string &name, const std::string &text) const;
+    // What a fake prints and its exit status for calls that start with
+    // `command` (the name and up to two arguments, e.g. "ip link show").
+    void set_fake_answer(const std::string &command, const std::string &text, int status) const;
 
     // A name for a system-wide object (semaphore, queue, socket) that no other
     // test process uses.

@@ -16,5 +16,6 @@
 #include "nkw_pal/modem.h"
 #include "nkw_pal/os.h"
 #include "nkw_pal/sms.h"
+#include "nkw_pal/storage.h"
 
 #endif /* NKW_PAL_H */

@@ -151,7 +151,7 @@ typedef void (*nkw_pal_sms_store_cb)(sms_store_event event, void *user);
  * process. Returns 0; -1 the modem refused; 3 no memory.
  */
 NKW_PAL_API int32_t nkw_pal_sms_store_state_indication_register(nkw_pal_sms_store_cb callback,
-                                                               void *user);
+                                                                void *user);
 
 /*
  * Reads stored message `message_index` (16-bit on the modem side) and copies
@@ -164,7 +164,7 @@ NKW_PAL_API int32_t nkw_pal_sms_store_state_indication_register(nkw_pal_sms_stor
  * is ignored.
  */
 NKW_PAL_API int32_t nkw_pal_sms_get_message_request(uint32_t sim_id, uint32_t message_index,
-                                                   char *sms_buf, uint32_t *sms_len);
+                                                    char *sms_buf, uint32_t *sms_len);
 
 /*
  * Deletes stored message `message_index`. Returns 0 even when the modem

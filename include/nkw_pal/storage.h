@@ -34,7 +34,7 @@ enum {
     NKW_PAL_NVM_MD_WRITE_FAILED = 708, /* modem refused the write */
     NKW_PAL_NVM_INVALID_ID = 710,      /* id 38 (and a NULL size pointer) */
     NKW_PAL_NVM_AP_READ_FAILED = 711,
-    NKW_PAL_NVM_AP_WRITE_FAILED = 712, /* the file may be left truncated */
+    NKW_PAL_NVM_AP_WRITE_FAILED = 712,  /* the file may be left truncated */
     NKW_PAL_NVM_INVALID_POSITION = 713, /* the placeholder row: ids above 38 */
     NKW_PAL_NVM_NO_FILE = 714,          /* size/exist asked about an item without a file */
     NKW_PAL_NVM_EMPTY_FILE = 715        /* size of an empty file */

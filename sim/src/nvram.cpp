@@ -76,8 +76,8 @@ mipc_result_enum mipc_sys_nvram_read_sync(mipc_sim_ps_id_enum sim_ps_id,
     if (result_ptr == nullptr) return MIPC_RESULT_BAD_PARAM;
     if (faulted && fault.kind == Fault::Kind::kNoConfirmation) return MIPC_RESULT_TIMEOUT;
     result_ptr->data_len = 0;
-    result_ptr->result_code = read_item(lid, record_idx, size, result_ptr->data,
-                                        &result_ptr->data_len);
+    result_ptr->result_code =
+        read_item(lid, record_idx, size, result_ptr->data, &result_ptr->data_len);
     if (faulted) result_ptr->result_code = fault.value;
     return MIPC_RESULT_SUCCESS;
 }

@@ -67,7 +67,8 @@ void push(const mipc_sms_status_struct *status) {
     mipc_sms_status_struct copy{};
     if (with_record) copy = *status;
     post([targets, with_record, copy]() mutable {
-        for (const Registration &r : targets) r.cb(MIPC_PS_ALL, with_record ? &copy : nullptr, r.priv);
+        for (const Registration &r : targets)
+            r.cb(MIPC_PS_ALL, with_record ? &copy : nullptr, r.priv);
     });
     if (!core::on_dispatcher_thread()) drain();
 }
@@ -100,9 +101,10 @@ extern "C" {
 mipc_result_enum mipc_sms_read_sync(mipc_sim_ps_id_enum sim_ps_id, mipc_sms_read_struct *result_ptr,
                                     uint32_t flag, uint16_t message_index, uint32_t format) {
     Fault fault{};
-    bool faulted = journal_and_fault("mipc_sms_read_sync", sim_ps_id, message_index, flag,
-                                     format, &fault);
-    if (faulted && fault.kind == Fault::Kind::kReturn) return static_cast<mipc_result_enum>(fault.value);
+    bool faulted =
+        journal_and_fault("mipc_sms_read_sync", sim_ps_id, message_index, flag, format, &fault);
+    if (faulted && fault.kind == Fault::Kind::kReturn)
+        return static_cast<mipc_result_enum>(fault.value);
     if (faulted && fault.kind == Fault::Kind::kNoConfirmation) return MIPC_RESULT_TIMEOUT;
     if (result_ptr == nullptr || result_ptr->sms_pdu_count == 0) return MIPC_RESULT_BAD_PARAM;
     uint16_t capacity = result_ptr->sms_pdu_count;
@@ -133,9 +135,10 @@ mipc_result_enum mipc_sms_delete_sync(mipc_sim_ps_id_enum sim_ps_id,
                                       mipc_sms_delete_struct *result_ptr, uint32_t flag,
                                       uint16_t message_index) {
     Fault fault{};
-    bool faulted = journal_and_fault("mipc_sms_delete_sync", sim_ps_id, message_index, flag, 0,
-                                     &fault);
-    if (faulted && fault.kind == Fault::Kind::kReturn) return static_cast<mipc_result_enum>(fault.value);
+    bool faulted =
+        journal_and_fault("mipc_sms_delete_sync", sim_ps_id, message_index, flag, 0, &fault);
+    if (faulted && fault.kind == Fault::Kind::kReturn)
+        return static_cast<mipc_result_enum>(fault.value);
     if (faulted && fault.kind == Fault::Kind::kNoConfirmation) return MIPC_RESULT_TIMEOUT;
     if (result_ptr == nullptr) return MIPC_RESULT_BAD_PARAM;
     if (faulted) {
@@ -163,8 +166,7 @@ mipc_result_enum mipc_sms_store_status_register(mipc_sim_ps_id_enum sim_ps_id,
 
 namespace mipc_sim {
 
-void store_sms(uint16_t index, const std::vector<uint8_t> &pdu, uint8_t status,
-               uint8_t sms_class) {
+void store_sms(uint16_t index, const std::vector<uint8_t> &pdu, uint8_t status, uint8_t sms_class) {
     std::lock_guard<std::mutex> guard(core::state_lock());
     state().messages[index] = {pdu, status, sms_class};
 }

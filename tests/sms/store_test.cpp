@@ -20,7 +20,8 @@ namespace {
 
 // DELIVER "Hello world" from +31612345678: TPDU of 29 octets after 8 of SMSC.
 const std::string kHello =
-    "07911326040000F0040B911316325476F8000042111221436580" "0BC8329BFD06DDDF723619";
+    "07911326040000F0040B911316325476F8000042111221436580"
+    "0BC8329BFD06DDDF723619";
 // A status report: the decoder refuses it.
 const std::string kStatusReport = "07911326040000F0060B911316325476F8";
 
@@ -203,7 +204,11 @@ TEST(SmsStoreDelete, AllSendsTheRawRequestAndReportsSuccessWhateverCameBack) {
         const char *log;
         const char *minus_one;  // the line that shows -1 whatever came back
     } cases[] = {
-        {"confirmed", {}, false, 0, "mipc_sms_delete_all_sync success. \n",
+        {"confirmed",
+         {},
+         false,
+         0,
+         "mipc_sms_delete_all_sync success. \n",
          "result_ptr->result_code = -1. \n"},
         {"modem error", mipc_sim::result_code(2), true, 2,
          "mipc_sms_delete_all_sync failed, result code error. \n",

@@ -92,7 +92,8 @@ TEST(NvApFiles, MissingOrBlockedDirectoryFailsTheWriteWithoutCreatingAnything) {
     Sandbox::current().write_file(kWorkModeFile + "/inside", "");
     nkw::test::syslog_clear();
     EXPECT_EQ(712, nkw_pal_nvm_write(kWorkMode, bytes(data), 1));
-    EXPECT_TRUE(syslog_contains("Open /data/quarn/quarn_work_mode_nv.txt failed. file handle value: -1\n \n"));
+    EXPECT_TRUE(syslog_contains(
+        "Open /data/quarn/quarn_work_mode_nv.txt failed. file handle value: -1\n \n"));
 }
 
 TEST(NvApFiles, FailedWriteLeavesTheFileTruncatedOrPartlyWritten) {
@@ -103,7 +104,9 @@ TEST(NvApFiles, FailedWriteLeavesTheFileTruncatedOrPartlyWritten) {
     } cases[] = {{0, ""}, {4, "new-"}};
     for (const auto &c : cases) {
         Sandbox::current().write_file(kWorkModeFile, "old content");
-        struct rlimit limit {c.limit, RLIM_INFINITY};
+        struct rlimit limit {
+            c.limit, RLIM_INFINITY
+        };
         ASSERT_EQ(0, setrlimit(RLIMIT_FSIZE, &limit));
         std::string data = "new-content";
         int status = nkw_pal_nvm_write(kWorkMode, bytes(data), data.size());
@@ -124,12 +127,12 @@ TEST(NvApFiles, SizeAndExistenceProbesCreateNothing) {
         int size_status;
         int exist_status;
     } cases[] = {
-        {35, true, 715, 0},      // empty file
+        {35, true, 715, 0},           // empty file
         {kWorkMode, true, 702, 702},  // no file
-        {1, true, 714, 714},     // modem item
-        {38, true, 710, 710},    // end marker
-        {39, true, 714, 714},    // unknown id: the placeholder row
-        {35, false, 710, 0},     // no size pointer
+        {1, true, 714, 714},          // modem item
+        {38, true, 710, 710},         // end marker
+        {39, true, 714, 714},         // unknown id: the placeholder row
+        {35, false, 710, 0},          // no size pointer
     };
     for (const auto &c : cases) {
         unsigned int size = 77;

@@ -57,7 +57,13 @@ TEST(NvModemItems, ReadCopiesOnlyWhatFitsAndFailsWith706Otherwise) {
         {"exact fit", v("abcd"), 4, "", 0, "abcd####", 4, "Read nvm from MD success. \n"},
         {"item larger than len", v("abcdef"), 4, "", 706, "########", 4,
          "Read nvm from MD failed. \n"},
-        {"no item", {}, 8, "", 706, "########", 8,
+        {"no item",
+         {},
+         8,
+         "",
+         706,
+         "########",
+         8,
          "Pre read MIPC msg get failed, nv_read_str->result_code is 4097. \n"},
         {"send refused", v("ab"), 8, "return", 706, "########", 8,
          "Pre read mipc msg send failed, ret is:1. \n"},
@@ -101,8 +107,8 @@ TEST(NvModemItems, RefusedWritesReport708WithTheInnerStatusInTheLog) {
         mipc_sim::fail_next("mipc_sys_nvram_write_sync", c.fault);
         nkw::test::syslog_clear();
         std::string data = "new";
-        EXPECT_EQ(708, nkw_pal_nvm_write(kOfflineLog, reinterpret_cast<unsigned char *>(data.data()),
-                                         3));
+        EXPECT_EQ(
+            708, nkw_pal_nvm_write(kOfflineLog, reinterpret_cast<unsigned char *>(data.data()), 3));
         EXPECT_EQ(v("old"), mipc_sim::nvram_item(0xE11D));
         EXPECT_TRUE(syslog_contains(c.inner));
         EXPECT_TRUE(syslog_contains(c.outer));
@@ -133,7 +139,8 @@ TEST(NvArguments, EveryEntryRefusesBadArgumentsAndIdsBeforeReachingAnything) {
         {"async read AP", -1, nkw_pal_nvm_read_async(2, read_cb, 1),
          "Did not support AP async NVM read. \n"},
         {"async read 39", 713, nkw_pal_nvm_read_async(39, read_cb, 1), "Invaild nv position. \n"},
-        {"async write null", 7, nkw_pal_nvm_write_async(1, write_cb, nullptr, 1), "Invalid data. \n"},
+        {"async write null", 7, nkw_pal_nvm_write_async(1, write_cb, nullptr, 1),
+         "Invalid data. \n"},
         {"async write len 0", 7, nkw_pal_nvm_write_async(1, write_cb, &byte, 0),
          "Invalid datalen. \n"},
         {"async write 38", 710, nkw_pal_nvm_write_async(38, write_cb, &byte, 1),

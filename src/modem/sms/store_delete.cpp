@@ -50,9 +50,8 @@ extern "C" int32_t nkw_pal_sms_delete_by_index(uint32_t sim_id, uint32_t message
         NKW_LOGE(kStoreTag, "malloc failed, result_ptr is NULL \n");
         return NKW_PAL_FAIL;
     }
-    mipc_result_enum ret = mipc_sms_delete_sync(nkw::sms::kStorePs, cell.get(),
-                                                nkw::sms::kStoreFlag,
-                                                static_cast<uint16_t>(message_index));
+    mipc_result_enum ret = mipc_sms_delete_sync(
+        nkw::sms::kStorePs, cell.get(), nkw::sms::kStoreFlag, static_cast<uint16_t>(message_index));
     if (ret != MIPC_RESULT_SUCCESS) {
         NKW_LOGE(kStoreTag, "mipc_sms_delete_sync failed, ret = %d. \n", ret);
     } else {

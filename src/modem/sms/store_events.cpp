@@ -14,7 +14,8 @@ struct StoreIndication {
     nkw_pal_sms_store_cb callback;
     void *user;
 };
-static_assert(sizeof(void *) != 8 || sizeof(StoreIndication) == 16, "indication record is 16 bytes");
+static_assert(sizeof(void *) != 8 || sizeof(StoreIndication) == 16,
+              "indication record is 16 bytes");
 
 // The event carries store flag 2 for both kinds, not the modem's bit.
 constexpr uint32_t kEventStoreFlag = 2;

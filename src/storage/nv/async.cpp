@@ -64,8 +64,7 @@ void nkw_pal_nvm_async_write_cb(mipc_sim_ps_id_enum, mipc_sys_nvram_write_struct
 
 // The modem row of `id`, or the status that refuses it (`*index` is then
 // unusable). Each async entry logs its own argument checks first.
-int modem_row(unsigned int id, const nkw_nvm_item **item, const char *function,
-              int line) {
+int modem_row(unsigned int id, const nkw_nvm_item **item, const char *function, int line) {
     int index = nkw_pal_nvm_tab_index_get(id);
     if (index == NKW_PAL_NVM_END_MARKER) {
         if (nkw::diag::enabled(NKW_PAL_LOG_ERROR))
@@ -113,8 +112,8 @@ extern "C" int nkw_pal_nvm_read_async(unsigned int id, nkw_pal_nvm_read_cb read_
     NKW_LOGD(kTag, "nvm_async_read->cb: %p \n", reinterpret_cast<void *>(request->cb));
     NKW_LOGD(kTag, "nvm_async_read->data_len is: %d \n", request->data_len);
     mipc_result_enum ret =
-        mipc_sys_nvram_read_async(kPs, nkw_pal_nvm_async_read_cb, request.get(),
-                                  item->plat_nvm_id, kRecord, static_cast<uint16_t>(len));
+        mipc_sys_nvram_read_async(kPs, nkw_pal_nvm_async_read_cb, request.get(), item->plat_nvm_id,
+                                  kRecord, static_cast<uint16_t>(len));
     if (ret != MIPC_RESULT_SUCCESS) {
         request.reset();
         NKW_LOGE(kTag, "mipc_sys_nvram_read_async fail, ret is:%d. \n", ret);

@@ -2,6 +2,8 @@
 #ifndef NKW_PAL_STORAGE_H
 #define NKW_PAL_STORAGE_H
 
+#include <assert.h> /* static_assert in C11 as in C++ */
+
 #include "common.h"
 
 NKW_PAL_BEGIN_DECLS
@@ -51,21 +53,12 @@ typedef struct nkw_nvm_item {
 } nkw_nvm_item;
 
 #if UINTPTR_MAX == 0xFFFFFFFFFFFFFFFFu
-#ifdef __cplusplus
 static_assert(sizeof(nkw_nvm_item) == 40, "NV table row is 40 bytes");
 static_assert(offsetof(nkw_nvm_item, plat_nvm_id) == 4, "LID at 4");
 static_assert(offsetof(nkw_nvm_item, file_name) == 8, "file name at 8");
 static_assert(offsetof(nkw_nvm_item, backup) == 16, "backup flag at 16");
 static_assert(offsetof(nkw_nvm_item, position) == 20, "position at 20");
 static_assert(offsetof(nkw_nvm_item, reserved) == 24, "reserved bytes at 24");
-#else
-_Static_assert(sizeof(nkw_nvm_item) == 40, "NV table row is 40 bytes");
-_Static_assert(offsetof(nkw_nvm_item, plat_nvm_id) == 4, "LID at 4");
-_Static_assert(offsetof(nkw_nvm_item, file_name) == 8, "file name at 8");
-_Static_assert(offsetof(nkw_nvm_item, backup) == 16, "backup flag at 16");
-_Static_assert(offsetof(nkw_nvm_item, position) == 20, "position at 20");
-_Static_assert(offsetof(nkw_nvm_item, reserved) == 24, "reserved bytes at 24");
-#endif
 #endif
 
 /* The table, indexed by logical id (1560 bytes on the 64-bit module). */

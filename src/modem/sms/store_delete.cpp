@@ -8,6 +8,7 @@
 #include "nkw_pal/sms.h"
 #include "os/heap_record.h"
 
+using nkw::sms::free_result;
 using nkw::sms::kStoreTag;
 
 namespace {
@@ -23,14 +24,6 @@ constexpr uint32_t kNoResult = 0xFFFFFFFF;  // -1: no confirmation or no result 
 constexpr int kShownRet = -1;
 // The delete-by-index line always shows 0; the next line tells the outcome.
 constexpr int kShownResultCode = 0;
-
-int32_t release(ResultCell &cell, const char *function = __builtin_FUNCTION(),
-                int line = __builtin_LINE()) {
-    if (nkw::diag::enabled(NKW_PAL_LOG_INFO))
-        nkw_pal_logi(kStoreTag, "[%s:%d]-free the result_ptr. \n", function, line);
-    cell.reset();
-    return 0;
-}
 
 // TLV 0 of the confirmation, or -1 when it is missing or short.
 uint32_t confirmed_result(mipc_msg_t *confirmation) {
@@ -63,7 +56,7 @@ extern "C" int32_t nkw_pal_sms_delete_by_index(uint32_t sim_id, uint32_t message
             NKW_LOGI(kStoreTag, "mipc_sms_delete_sync success. \n");
         }
     }
-    return release(cell);
+    return free_result(cell, 0);
 }
 
 extern "C" int32_t nkw_pal_sms_delete_all(void) {
@@ -86,7 +79,7 @@ extern "C" int32_t nkw_pal_sms_delete_all(void) {
         NKW_LOGE(kStoreTag, "msg_cnf_ptr is NULL \n");
         cell->result_code = kNoResult;
         NKW_LOGE(kStoreTag, "mipc_sms_delete_all_sync failed, ret = %d. \n", kShownRet);
-        return release(cell);
+        return free_result(cell, 0);
     }
     cell->result_code = confirmed_result(confirmation);
     mipc_msg_deinit(confirmation);
@@ -101,5 +94,5 @@ extern "C" int32_t nkw_pal_sms_delete_all(void) {
             NKW_LOGI(kStoreTag, "mipc_sms_delete_all_sync success. \n");
         }
     }
-    return release(cell);
+    return free_result(cell, 0);
 }

@@ -6,6 +6,7 @@
 #include "nkw_pal/sms.h"
 #include "os/heap_record.h"
 
+using nkw::sms::free_result;
 using nkw::sms::kStoreTag;
 
 namespace {
@@ -19,15 +20,6 @@ constexpr uint32_t kStoredExtra = 9;
 // The caller's buffer holds at least this much; neither the dump nor the
 // copy goes further.
 constexpr uint32_t kTextSize = NKW_PAL_SMS_DATA_SIZE;
-
-// Logged under the caller's name: the read record goes on every path.
-int32_t release(ReadRecord &record, int32_t status, const char *function = __builtin_FUNCTION(),
-                int line = __builtin_LINE()) {
-    if (nkw::diag::enabled(NKW_PAL_LOG_INFO))
-        nkw_pal_logi(kStoreTag, "[%s:%d]-free the result_ptr. \n", function, line);
-    record.reset();
-    return status;
-}
 
 }  // namespace
 
@@ -52,11 +44,11 @@ extern "C" int32_t nkw_pal_sms_get_message_request(uint32_t sim_id, uint32_t mes
                            static_cast<uint16_t>(message_index),
                            kPduFormat) != MIPC_RESULT_SUCCESS) {
         NKW_LOGE(kStoreTag, "fail,mipc_sms_read_sync \n");
-        return release(record, NKW_PAL_FAIL);
+        return free_result(record, NKW_PAL_FAIL);
     }
     if (record->result_code != 0) {
         NKW_LOGI(kStoreTag, "sms read result code:0x%x \n", record->result_code);
-        return release(record, NKW_PAL_FAIL);
+        return free_result(record, NKW_PAL_FAIL);
     }
     NKW_LOGI(kStoreTag,
              "result_code:0x%x, sms_pdu_count:%d, message_index:%d, pdu_len[TPDU]:%d, status:%d, "
@@ -74,7 +66,7 @@ extern "C" int32_t nkw_pal_sms_get_message_request(uint32_t sim_id, uint32_t mes
     std::memset(&decoded, 0, sizeof decoded);
     if (DecodeGsmPdu(record->pdu, &decoded) != 0) {
         NKW_LOGE(kStoreTag, "DecodeGsmPdu failed.\n \n");
-        return release(record, NKW_PAL_FAIL);
+        return free_result(record, NKW_PAL_FAIL);
     }
     const sms_deliver_msg &text = decoded.deliver;
     NKW_LOGI(kStoreTag, "Decode ok, datalen = %d. \n", text.dataLen);
@@ -85,5 +77,5 @@ extern "C" int32_t nkw_pal_sms_get_message_request(uint32_t sim_id, uint32_t mes
     uint32_t length = text.dataLen < kTextSize ? text.dataLen : kTextSize;
     std::memcpy(sms_buf, text.data, length);
     if (sms_len != nullptr) *sms_len = length;
-    return release(record, 0);
+    return free_result(record, 0);
 }

@@ -62,9 +62,16 @@ void nkw_pal_nvm_async_write_cb(mipc_sim_ps_id_enum, mipc_sys_nvram_write_struct
     if (request->cb != nullptr) request->cb(result->result_code == 0 ? 1 : 0);
 }
 
-// The modem row of `id`, or the status that refuses it (`*index` is then
-// unusable). Each async entry logs its own argument checks first.
-int modem_row(unsigned int id, const nkw_nvm_item **item, const char *function, int line) {
+// The modem row of `id` for a request of `len` bytes, or the status that
+// refuses it. Lines are logged under the caller's name, after its own
+// check of the callback or data.
+int modem_row(unsigned int id, unsigned int len, const nkw_nvm_item **item, const char *function,
+              int line) {
+    if (len == 0) {
+        if (nkw::diag::enabled(NKW_PAL_LOG_ERROR))
+            nkw_pal_loge(kTag, "[%s:%d]-Invalid datalen. \n", function, line);
+        return NKW_PAL_INVALID_ARG;
+    }
     int index = nkw_pal_nvm_tab_index_get(id);
     if (index == NKW_PAL_NVM_END_MARKER) {
         if (nkw::diag::enabled(NKW_PAL_LOG_ERROR))
@@ -94,12 +101,8 @@ extern "C" int nkw_pal_nvm_read_async(unsigned int id, nkw_pal_nvm_read_cb read_
         NKW_LOGE(kTag, "Invalid read_cb. \n");
         return NKW_PAL_INVALID_ARG;
     }
-    if (len == 0) {
-        NKW_LOGE(kTag, "Invalid datalen. \n");
-        return NKW_PAL_INVALID_ARG;
-    }
     const nkw_nvm_item *item = nullptr;
-    int refused = modem_row(id, &item, __func__, __LINE__);
+    int refused = modem_row(id, len, &item, __func__, __LINE__);
     if (refused != 0) return refused;
 
     auto request = nkw::HeapRecord<AsyncRead>::allocate();
@@ -130,12 +133,8 @@ extern "C" int nkw_pal_nvm_write_async(unsigned int id, nkw_pal_nvm_write_cb wri
         NKW_LOGE(kTag, "Invalid data. \n");
         return NKW_PAL_INVALID_ARG;
     }
-    if (len == 0) {
-        NKW_LOGE(kTag, "Invalid datalen. \n");
-        return NKW_PAL_INVALID_ARG;
-    }
     const nkw_nvm_item *item = nullptr;
-    int refused = modem_row(id, &item, __func__, __LINE__);
+    int refused = modem_row(id, len, &item, __func__, __LINE__);
     if (refused != 0) return refused;
 
     auto request = nkw::HeapRecord<AsyncWrite>::allocate();

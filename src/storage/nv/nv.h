@@ -16,6 +16,11 @@ inline constexpr int kPsId = 16;
 inline constexpr int kApWriteFailed = 704;
 inline constexpr int kMdWriteResultFailed = 709;
 
+// The row index of `id` (nkw_pal_nvm_tab_index_get); the end marker is
+// logged under the caller's name and comes back as 38.
+int index_of(unsigned int id, const char *function = __builtin_FUNCTION(),
+             int line = __builtin_LINE());
+
 // The row of a valid index (not 38).
 inline const nkw_nvm_item &row(int index) {
     return nkw_nvm_tab[index];

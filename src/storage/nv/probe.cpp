@@ -11,17 +11,24 @@ using nkw::nv::kTag;
 
 namespace {
 
-// The item's file opened read-write, or -1 after the open's log line. Neither
-// the file nor its directory is created.
-int open_item_file(const char *file_name, const char *function = __builtin_FUNCTION(),
-                   int line = __builtin_LINE()) {
+// Opens AP item `id`'s file read-write, creating neither the file nor its
+// directory: 0 with *fd set, or the status that refuses the item. Lines are
+// logged under the caller's name.
+int open_item(unsigned int id, int *fd, const char *function = __builtin_FUNCTION(),
+              int line = __builtin_LINE()) {
+    int index = nkw::nv::index_of(id, function, line);
+    if (index == NKW_PAL_NVM_END_MARKER) return NKW_PAL_NVM_INVALID_ID;
+    const char *file_name = nkw::nv::row(index).file_name;
+    if (file_name == nullptr) return NKW_PAL_NVM_NO_FILE;
     char path[nkw::nv::kNvPathSize];
     nkw::nv::nv_file_path(file_name, path);
-    int fd = open(nkw::host::Path(path).c_str(), O_RDWR);
-    if (fd < 0 && nkw::diag::enabled(NKW_PAL_LOG_ERROR)) {
-        nkw_pal_loge(kTag, "[%s:%d]-Open file failed, fp:%d\n \n", function, line, fd);
+    *fd = open(nkw::host::Path(path).c_str(), O_RDWR);
+    if (*fd < 0) {
+        if (nkw::diag::enabled(NKW_PAL_LOG_ERROR))
+            nkw_pal_loge(kTag, "[%s:%d]-Open file failed, fp:%d\n \n", function, line, *fd);
+        return NKW_PAL_NVM_OPEN_FAILED;
     }
-    return fd;
+    return 0;
 }
 
 }  // namespace
@@ -31,15 +38,9 @@ extern "C" int nkw_pal_nvm_get_nv_size(unsigned int id, unsigned int *size) {
         NKW_LOGE(kTag, "Invalid nvm parameter \n");
         return NKW_PAL_NVM_INVALID_ID;
     }
-    int index = nkw_pal_nvm_tab_index_get(id);
-    if (index == NKW_PAL_NVM_END_MARKER) {
-        NKW_LOGE(kTag, "Invalid logic nvm id \n");
-        return NKW_PAL_NVM_INVALID_ID;
-    }
-    const char *file_name = nkw::nv::row(index).file_name;
-    if (file_name == nullptr) return NKW_PAL_NVM_NO_FILE;
-    int fd = open_item_file(file_name);
-    if (fd < 0) return NKW_PAL_NVM_OPEN_FAILED;
+    int fd = -1;
+    int refused = open_item(id, &fd);
+    if (refused != 0) return refused;
     struct stat info {};
     int status = NKW_PAL_NVM_EMPTY_FILE;
     if (fstat(fd, &info) == 0 && info.st_size > 0) {
@@ -55,16 +56,10 @@ extern "C" int nkw_pal_nvm_get_nv_size(unsigned int id, unsigned int *size) {
 }
 
 extern "C" int nkw_pal_nvm_check_nv_exist(unsigned int id) {
-    int index = nkw_pal_nvm_tab_index_get(id);
-    if (index == NKW_PAL_NVM_END_MARKER) {
-        NKW_LOGE(kTag, "Invalid logic nvm id \n");
-        return NKW_PAL_NVM_INVALID_ID;
-    }
-    const char *file_name = nkw::nv::row(index).file_name;
-    if (file_name == nullptr) return NKW_PAL_NVM_NO_FILE;
-    int fd = open_item_file(file_name);
-    if (fd < 0) return NKW_PAL_NVM_OPEN_FAILED;
+    int fd = -1;
+    int refused = open_item(id, &fd);
+    if (refused != 0) return refused;
     close(fd);
-    NKW_LOGI(kTag, "The nv_index: %d is exist \n", index);
+    NKW_LOGI(kTag, "The nv_index: %d is exist \n", id);  // the row index, for an item with a file
     return 0;
 }

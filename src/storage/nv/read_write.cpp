@@ -9,11 +9,8 @@ extern "C" int nkw_pal_nvm_read(unsigned int id, unsigned char *buf, unsigned in
         NKW_LOGE(kTag, "Invalid nvm sync read parameter \n");
         return NKW_PAL_INVALID_ARG;
     }
-    int index = nkw_pal_nvm_tab_index_get(id);
-    if (index == NKW_PAL_NVM_END_MARKER) {
-        NKW_LOGE(kTag, "Invalid logic nvm id \n");
-        return NKW_PAL_NVM_INVALID_ID;
-    }
+    int index = nkw::nv::index_of(id);
+    if (index == NKW_PAL_NVM_END_MARKER) return NKW_PAL_NVM_INVALID_ID;
     NKW_LOGI(kTag, "nv_index is:%d. \n", index);
     const nkw_nvm_item &item = nkw::nv::row(index);
     switch (item.position) {
@@ -32,11 +29,8 @@ extern "C" int nkw_pal_nvm_write(unsigned int id, unsigned char *data, unsigned 
         NKW_LOGE(kTag, "Invalid nvm sync write parameter. \n");
         return NKW_PAL_INVALID_ARG;
     }
-    int index = nkw_pal_nvm_tab_index_get(id);
-    if (index == NKW_PAL_NVM_END_MARKER) {
-        NKW_LOGE(kTag, "Invalid logic nvm id \n");
-        return NKW_PAL_NVM_INVALID_ID;
-    }
+    int index = nkw::nv::index_of(id);
+    if (index == NKW_PAL_NVM_END_MARKER) return NKW_PAL_NVM_INVALID_ID;
     const nkw_nvm_item &item = nkw::nv::row(index);
     if (item.position == NKW_PAL_NVM_POSITION_MODEM) {
         // Both inner failures (send, result code) reach the caller as 708.

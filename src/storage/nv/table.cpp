@@ -90,3 +90,14 @@ extern "C" int nkw_pal_nvm_tab_backup_count(void) {
     NKW_LOGI(nkw::nv::kTag, "The counts of nvm_tab element which need backup is:%d. \n", count);
     return count;
 }
+
+namespace nkw::nv {
+
+int index_of(unsigned int id, const char *function, int line) {
+    int index = nkw_pal_nvm_tab_index_get(id);
+    if (index == NKW_PAL_NVM_END_MARKER && diag::enabled(NKW_PAL_LOG_ERROR))
+        nkw_pal_loge(kTag, "[%s:%d]-Invalid logic nvm id \n", function, line);
+    return index;
+}
+
+}  // namespace nkw::nv

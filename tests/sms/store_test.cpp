@@ -43,6 +43,7 @@ bool same(const sms_store_event &a, const sms_store_event &b) {
 TEST(SmsStoreEvents, NewAndFullMessagesReachTheCallbackOnTheModemThread) {
     Events events;
     ASSERT_EQ(0, nkw_pal_sms_store_state_indication_register(on_event, &events));
+    ASSERT_EQ(0, nkw_pal_sms_store_state_indication_register(nullptr, nullptr));  // no callback
     mipc_sim::set_sms_capacity(2);
     mipc_sim::store_sms(0, from_hex(kHello));
     EXPECT_EQ(1, mipc_sim::receive_sms(from_hex(kHello)));  // fills the store
@@ -57,42 +58,29 @@ TEST(SmsStoreEvents, NewAndFullMessagesReachTheCallbackOnTheModemThread) {
     EXPECT_TRUE(syslog_contains("cb, result_code:0x0,store_flag_btmp:2,message_index:1. \n"));
 }
 
-TEST(SmsStoreEvents, OtherFlagsErrorsAndMissingRecordsOnlyLog) {
+TEST(SmsStoreEvents, OtherFlagsErrorsMissingRecordsAndRefusedRegistrationsOnlyLog) {
     Events events;
     ASSERT_EQ(0, nkw_pal_sms_store_state_indication_register(on_event, &events));
-    ASSERT_EQ(0, nkw_pal_sms_store_state_indication_register(nullptr, nullptr));
+    mipc_sim::fail_next("mipc_sms_store_status_register", mipc_sim::return_value(1));
+    EXPECT_EQ(-1, nkw_pal_sms_store_state_indication_register(on_event, &events));
+    EXPECT_TRUE(logged_in("]-free ", "nkw_pal_sms_store_state_indication_register"));
     const struct {
         mipc_sms_status_struct status;
         int priority;
         const char *log;
     } cases[] = {
         {{0, 3, 4, {}}, 6, "invaild store_flag_btmp. \n"},
-        {{0, 0, 4, {}}, 6, "invaild store_flag_btmp. \n"},
         {{0x10, 2, 4, {}}, 3, "register_state_ind_cb failed, result=16. \n"},
     };
     for (const auto &c : cases) {
-        nkw::test::syslog_clear();
         mipc_sim::push_sms_store_status(c.status);
         auto lines = nkw::test::syslog_matching(c.log);
-        ASSERT_EQ(2u, lines.size()) << c.log;  // once for each registration
+        ASSERT_EQ(1u, lines.size()) << c.log;  // the refused registration hears nothing
         EXPECT_EQ(c.priority, lines[0].priority) << c.log;
     }
-    nkw::test::syslog_clear();
     mipc_sim::push_sms_store_status_without_record();
     EXPECT_TRUE(syslog_contains("register_state_ind_cb result_ptr is invalid. \n"));
-    // The callback-less registration takes a real event without calling anything.
-    mipc_sim::push_sms_store_status({0, 2, 9, {}});
-    ASSERT_EQ(1u, events.seen.size());
-    EXPECT_TRUE(same({1, 2, 9}, events.seen[0]));
-}
-
-TEST(SmsStoreEvents, RefusedRegistrationFreesItsRecord) {
-    mipc_sim::fail_next("mipc_sms_store_status_register", mipc_sim::return_value(1));
-    EXPECT_EQ(-1, nkw_pal_sms_store_state_indication_register(on_event, nullptr));
-    EXPECT_TRUE(syslog_contains("mipc_sms_store_status_register failed. \n"));
-    EXPECT_TRUE(logged_in("]-free ", "nkw_pal_sms_store_state_indication_register"));
-    mipc_sim::push_sms_store_status({0, 2, 1, {}});
-    EXPECT_FALSE(syslog_contains("cb, result_code"));
+    EXPECT_TRUE(events.seen.empty());
 }
 
 TEST(SmsStoreRead, DecodedTextIsCopiedAfterADumpOfTheUnwrittenBuffer) {
@@ -105,17 +93,11 @@ TEST(SmsStoreRead, DecodedTextIsCopiedAfterADumpOfTheUnwrittenBuffer) {
     EXPECT_EQ("Hello world", std::string(buffer, 11));
     EXPECT_EQ('\x80', buffer[11]);  // no terminator
 
-    auto requests = mipc_sim::sms_requests();
-    ASSERT_EQ(1u, requests.size());
-    EXPECT_EQ(MIPC_PS_ALL, requests[0].ps_id);
-    EXPECT_EQ(5u, requests[0].flag);
-    EXPECT_EQ(0u, requests[0].format);
-    mipc_sim::StoredSms stored;
-    ASSERT_TRUE(mipc_sim::stored_sms(3, &stored));
-    EXPECT_EQ(mipc_sim::kSmsRead, stored.status);
-
+    auto request = mipc_sim::sms_requests().at(0);
+    EXPECT_EQ(MIPC_PS_ALL, request.ps_id);
+    EXPECT_EQ(5u, request.flag);
+    EXPECT_EQ(0u, request.format);
     EXPECT_TRUE(syslog_contains("pdu_len[TPDU]:29, status:0, sms_class:255 \n"));
-    EXPECT_TRUE(syslog_contains("origin sms len = 38. \n"));
     EXPECT_EQ(38u, nkw::test::syslog_matching("]-buf[").size());
     EXPECT_TRUE(syslog_contains("buf[37] = ffffff80 \n"));
     EXPECT_TRUE(syslog_contains("type = 0,data= Hello world, dataLen = 11 \n"));
@@ -140,29 +122,24 @@ TEST(SmsStoreRead, FailuresLeaveLengthAndBufferAndFreeTheRecord) {
     mipc_sim::store_sms(1, from_hex(kStatusReport));
     mipc_sim::store_sms(2, from_hex(kHello));
     const struct {
-        const char *name;
         uint16_t index;
-        const char *fault;
+        bool refused;  // the call itself fails
         const char *log;
     } cases[] = {
-        {"empty index", 7, "", "sms read result code:0x1101 \n"},
-        {"send refused", 2, "return", "fail,mipc_sms_read_sync \n"},
-        {"modem error", 2, "result", "sms read result code:0x5 \n"},
-        {"decoder refuses", 1, "", "DecodeGsmPdu failed.\n \n"},
+        {7, false, "sms read result code:0x1101 \n"},  // empty index
+        {2, true, "fail,mipc_sms_read_sync \n"},
+        {1, false, "DecodeGsmPdu failed.\n \n"},
     };
     for (const auto &c : cases) {
         nkw::test::syslog_clear();
-        if (std::string(c.fault) == "return")
-            mipc_sim::fail_next("mipc_sms_read_sync", mipc_sim::return_value(1));
-        if (std::string(c.fault) == "result")
-            mipc_sim::fail_next("mipc_sms_read_sync", mipc_sim::result_code(5));
+        if (c.refused) mipc_sim::fail_next("mipc_sms_read_sync", mipc_sim::return_value(1));
         char buffer[161] = {'#'};
         uint32_t len = 99;
-        EXPECT_EQ(-1, nkw_pal_sms_get_message_request(0, c.index, buffer, &len)) << c.name;
-        EXPECT_EQ(99u, len) << c.name;
-        EXPECT_EQ('#', buffer[0]) << c.name;
-        EXPECT_TRUE(syslog_contains(c.log)) << c.name;
-        EXPECT_TRUE(syslog_contains("free the result_ptr. \n")) << c.name;
+        EXPECT_EQ(-1, nkw_pal_sms_get_message_request(0, c.index, buffer, &len)) << c.log;
+        EXPECT_EQ(99u, len) << c.log;
+        EXPECT_EQ('#', buffer[0]) << c.log;
+        EXPECT_TRUE(syslog_contains(c.log)) << c.log;
+        EXPECT_TRUE(syslog_contains("free the result_ptr. \n")) << c.log;
     }
     mipc_sim::clear_journal();
     uint32_t len = 0;
@@ -174,46 +151,39 @@ TEST(SmsStoreRead, FailuresLeaveLengthAndBufferAndFreeTheRecord) {
 TEST(SmsStoreDelete, ByIndexAlwaysReportsSuccessAndLogsWhatTheModemSaid) {
     mipc_sim::store_sms(4, from_hex(kHello));
     const struct {
-        const char *name;
-        bool fault;
+        bool refused;
         const char *log;
-        bool shows_zero;  // the result-code line, which always shows 0
     } cases[] = {
-        {"stored", false, "mipc_sms_delete_sync success. \n", true},
-        {"already gone", false, "mipc_sms_delete_sync failed, result code error. \n", true},
-        {"send refused", true, "mipc_sms_delete_sync failed, ret = 1. \n", false},
+        {false, "mipc_sms_delete_sync success. \n"},
+        {false, "mipc_sms_delete_sync failed, result code error. \n"},  // already gone
+        {true, "mipc_sms_delete_sync failed, ret = 1. \n"},
     };
     for (const auto &c : cases) {
         nkw::test::syslog_clear();
-        if (c.fault) mipc_sim::fail_next("mipc_sms_delete_sync", mipc_sim::return_value(1));
-        EXPECT_EQ(0, nkw_pal_sms_delete_by_index(1, 0x10004)) << c.name;  // index cut to 16 bits
-        EXPECT_TRUE(syslog_contains(c.log)) << c.name;
-        EXPECT_TRUE(syslog_contains("free the result_ptr. \n")) << c.name;
-        EXPECT_EQ(c.shows_zero, syslog_contains("result_ptr->result_code = 0. \n")) << c.name;
+        if (c.refused) mipc_sim::fail_next("mipc_sms_delete_sync", mipc_sim::return_value(1));
+        EXPECT_EQ(0, nkw_pal_sms_delete_by_index(1, 0x10004)) << c.log;  // index cut to 16 bits
+        EXPECT_TRUE(syslog_contains(c.log)) << c.log;
+        EXPECT_TRUE(syslog_contains("free the result_ptr. \n")) << c.log;
+        // The result-code line shows 0 whatever the modem said.
+        EXPECT_EQ(!c.refused, syslog_contains("result_ptr->result_code = 0. \n")) << c.log;
     }
     EXPECT_FALSE(mipc_sim::stored_sms(4, nullptr));
     for (const mipc_sim::SmsRequest &r : mipc_sim::sms_requests()) EXPECT_EQ(5u, r.flag);
 }
 
 TEST(SmsStoreDelete, AllSendsTheRawRequestAndReportsSuccessWhateverCameBack) {
+    // Every outcome shows -1 in its result line, whatever came back.
+    const mipc_sim::Fault kNone{mipc_sim::Fault::Kind::kReturn, 0};
     const struct {
-        const char *name;
         mipc_sim::Fault fault;
-        bool faulted;
         size_t left;
         const char *log;
-        const char *minus_one;  // the line that shows -1 whatever came back
+        const char *minus_one;
     } cases[] = {
-        {"confirmed",
-         {},
-         false,
-         0,
-         "mipc_sms_delete_all_sync success. \n",
+        {kNone, 0, "delete_all_sync success. \n", "result_ptr->result_code = -1. \n"},
+        {mipc_sim::result_code(2), 2, "delete_all_sync failed, result code error. \n",
          "result_ptr->result_code = -1. \n"},
-        {"modem error", mipc_sim::result_code(2), true, 2,
-         "mipc_sms_delete_all_sync failed, result code error. \n",
-         "result_ptr->result_code = -1. \n"},
-        {"no confirmation", mipc_sim::no_confirmation(), true, 2, "msg_cnf_ptr is NULL \n",
+        {mipc_sim::no_confirmation(), 2, "msg_cnf_ptr is NULL \n",
          "mipc_sms_delete_all_sync failed, ret = -1. \n"},
     };
     for (const auto &c : cases) {
@@ -221,21 +191,20 @@ TEST(SmsStoreDelete, AllSendsTheRawRequestAndReportsSuccessWhateverCameBack) {
         nkw::test::syslog_clear();
         mipc_sim::store_sms(0, from_hex(kHello));
         mipc_sim::store_sms(5, from_hex(kHello));
-        if (c.faulted) mipc_sim::fail_next("mipc_msg_sync_timeout", c.fault);
-        EXPECT_EQ(0, nkw_pal_sms_delete_all()) << c.name;
-        EXPECT_EQ(c.left, mipc_sim::stored_sms_count()) << c.name;
-        EXPECT_TRUE(syslog_contains(c.log)) << c.name;
-        EXPECT_TRUE(syslog_contains(c.minus_one)) << c.name;
-        EXPECT_EQ(0, mipc_sim::live_messages()) << c.name;
-
-        auto sent = mipc_sim::calls_to("mipc_msg_sync_timeout");
-        ASSERT_EQ(1u, sent.size()) << c.name;
-        EXPECT_EQ(0x609u, sent[0].msg_id);
-        EXPECT_EQ(MIPC_PS_ALL, sent[0].ps_id);
-        ASSERT_EQ(1u, sent[0].tlvs.size());
-        EXPECT_EQ(0x100, sent[0].tlvs[0].type);
-        EXPECT_EQ(std::vector<uint8_t>{0}, sent[0].tlvs[0].value);
+        if (c.left != 0) mipc_sim::fail_next("mipc_msg_sync_timeout", c.fault);
+        EXPECT_EQ(0, nkw_pal_sms_delete_all()) << c.log;
+        EXPECT_EQ(c.left, mipc_sim::stored_sms_count()) << c.log;
+        EXPECT_TRUE(syslog_contains(c.log)) << c.log;
+        EXPECT_TRUE(syslog_contains(c.minus_one)) << c.log;
+        EXPECT_EQ(0, mipc_sim::live_messages()) << c.log;
     }
+    auto sent = mipc_sim::calls_to("mipc_msg_sync_timeout");
+    ASSERT_EQ(1u, sent.size());
+    EXPECT_EQ(0x609u, sent[0].msg_id);
+    EXPECT_EQ(MIPC_PS_ALL, sent[0].ps_id);
+    ASSERT_EQ(1u, sent[0].tlvs.size());
+    EXPECT_EQ(0x100, sent[0].tlvs[0].type);
+    EXPECT_EQ(std::vector<uint8_t>{0}, sent[0].tlvs[0].value);
 }
 
 }  // namespace

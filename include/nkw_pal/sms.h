@@ -58,8 +58,9 @@ typedef struct sms_submit_msg {
  * The 212-byte decoded record. `type`, `flags` and `address` read the same
  * through either member; read `data`/`dataLen` through the member that
  * `type` names, with one exception: a GSM 7-bit message with a user-data
- * header (a concatenated part) is written in the DELIVER layout for both
- * types.
+ * header (a concatenated part) has its text at the DELIVER `data` position
+ * for both types, while its count is in the length field of its own type
+ * (for a SUBMIT part of over 141 characters the text runs over that field).
  */
 typedef union sms_decoded_msg {
     sms_deliver_msg deliver;

@@ -58,8 +58,9 @@ typedef struct sms_submit_msg {
  * The 212-byte decoded record. `type`, `flags` and `address` read the same
  * through either member; read `data`/`dataLen` through the member that
  * `type` names, with one exception: a GSM 7-bit message with a user-data
- * header (a concatenated part) is written in the DELIVER layout for both
- * types.
+ * header (a concatenated part) has its text at the DELIVER `data` position
+ * for both types, while its count is in the length field of its own type
+ * (for a SUBMIT part of over 141 characters the text runs over that field).
  */
 typedef union sms_decoded_msg {
     sms_deliver_msg deliver;
@@ -129,6 +130,54 @@ NKW_PAL_API int32_t DecodeGsmPdu_WAP(const uint8_t *pdu, sms_decoded_msg *msg);
  * untouched unless bearer data and a message identifier were found.
  */
 NKW_PAL_API int32_t DecodeCdmaPdu(const uint8_t *pdu, uint8_t length, sms_decoded_msg *msg);
+
+/* ---- SMS store ------------------------------------------------------------ */
+
+/* Values of sms_store_event.event. */
+enum { NKW_PAL_SMS_EVENT_NEW_MESSAGE = 1, NKW_PAL_SMS_EVENT_STORAGE_FULL = 2 };
+
+/* What the store callback receives; store_flag is 2 for both events. */
+typedef struct sms_store_event {
+    uint32_t event;         /* NKW_PAL_SMS_EVENT_* */
+    uint32_t store_flag;    /* always 2 */
+    uint32_t message_index; /* storage index the modem reported */
+} sms_store_event;
+
+/* Runs on the modem IPC library's thread. */
+typedef void (*nkw_pal_sms_store_cb)(sms_store_event event, void *user);
+
+/*
+ * Subscribes `callback` (with `user`) to new-message and storage-full events
+ * of the modem's SMS store. Each call adds a subscription for the rest of the
+ * process. Returns 0; -1 the modem refused; 3 no memory.
+ */
+NKW_PAL_API int32_t nkw_pal_sms_store_state_indication_register(nkw_pal_sms_store_cb callback,
+                                                                void *user);
+
+/*
+ * Reads stored message `message_index` (16-bit on the modem side) and copies
+ * its decoded text, unterminated, into `sms_buf`, which must hold at least
+ * 161 bytes; *sms_len receives the number of bytes copied. The text is taken
+ * from the DELIVER position of the decoded record, so a SUBMIT the module
+ * stored reads as empty unless it is a 7-bit concatenated part.
+ * Returns 0; 7 sms_buf NULL (the modem is not asked); -1 empty index, modem
+ * failure or a message the decoder refuses (*sms_len untouched). `sim_id`
+ * is ignored.
+ */
+NKW_PAL_API int32_t nkw_pal_sms_get_message_request(uint32_t sim_id, uint32_t message_index,
+                                                    char *sms_buf, uint32_t *sms_len);
+
+/*
+ * Deletes stored message `message_index`. Returns 0 even when the modem
+ * refuses (its answer is only logged); -1 when no memory. `sim_id` is ignored.
+ */
+NKW_PAL_API int32_t nkw_pal_sms_delete_by_index(uint32_t sim_id, uint32_t message_index);
+
+/*
+ * Deletes every stored message. Returns 0 once the request was sent, even
+ * without a confirmation; -1 when the request could not be made.
+ */
+NKW_PAL_API int32_t nkw_pal_sms_delete_all(void);
 
 NKW_PAL_END_DECLS
 

@@ -39,3 +39,11 @@ namespace mipc_sim::core {
 // True on the dispatcher thread, where waiting for the dispatcher would deadlock.
 bool on_dispatcher_thread();
 }  // namespace mipc_sim::core
+
+namespace mipc_sim::core {
+// A model's own answer to raw request `msg_id`, used when no test has
+// scripted one with on_request(). Kept across reset().
+struct RequestModel {
+    RequestModel(uint16_t msg_id, Confirmer confirmer);
+};
+}  // namespace mipc_sim::core

@@ -16,6 +16,11 @@ std::map<uint16_t, Confirmer> &confirmers() {
 
 const core::ResetHook kReset([] { confirmers().clear(); });
 
+std::map<uint16_t, Confirmer> &models() {
+    static std::map<uint16_t, Confirmer> instance;
+    return instance;
+}
+
 }  // namespace
 
 extern "C" mipc_msg_t *mipc_msg_sync_timeout(mipc_msg_t *msg_req_ptr) {
@@ -37,6 +42,9 @@ extern "C" mipc_msg_t *mipc_msg_sync_timeout(mipc_msg_t *msg_req_ptr) {
         std::lock_guard<std::mutex> guard(core::state_lock());
         auto found = confirmers().find(msg_req_ptr->id);
         if (found != confirmers().end()) confirmer = found->second;
+        auto model = models().find(msg_req_ptr->id);
+        // A faulted request leaves the model's state alone.
+        if (!confirmer && !faulted && model != models().end()) confirmer = model->second;
     }
     if (confirmer) tlvs = confirmer(request);
     if (faulted) {
@@ -48,6 +56,10 @@ extern "C" mipc_msg_t *mipc_msg_sync_timeout(mipc_msg_t *msg_req_ptr) {
 }
 
 namespace mipc_sim {
+
+core::RequestModel::RequestModel(uint16_t msg_id, Confirmer confirmer) {
+    models()[msg_id] = std::move(confirmer);
+}
 
 void on_request(uint16_t msg_id, Confirmer confirmer) {
     std::lock_guard<std::mutex> guard(core::state_lock());

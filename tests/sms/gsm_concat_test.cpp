@@ -71,16 +71,36 @@ TEST(GsmConcatenation, EightBitPartCountsTheHeaderLengthOctetInItsLength) {
     EXPECT_EQ("ABC\0"s, nkw::test::deliver_text(msg));
 }
 
-TEST(GsmConcatenation, SevenBitSubmitPartIsWrittenInTheDeliverLayout) {
-    sms_decoded_msg msg;
-    auto pdu = gsm_buffer("0051000791442143F50000AA10050003330101A665371D040FCBE9");
-    ASSERT_EQ(0, DecodeGsmPdu(pdu.data(), &msg));
-    EXPECT_EQ(NKW_PAL_SMS_TYPE_SUBMIT, msg.submit.type);
-    EXPECT_EQ(4u, msg.submit.flags);
-    EXPECT_EQ("Sent part", nkw::test::deliver_text(msg));
-    EXPECT_EQ(0u, msg.submit.dataLen);
-    // One part of one: complete at once.
-    EXPECT_TRUE(syslog_contains("length = 9 "));
+struct LayoutCase {
+    const char *name;
+    std::string pdu;
+    uint32_t type;
+    uint32_t flags;
+    std::string text;      // always at the DELIVER data position
+    uint32_t deliver_len;  // the DELIVER length field
+    uint32_t submit_len;   // the SUBMIT length field, 20 bytes before it
+    const char *log;
+};
+
+TEST(GsmConcatenation, SevenBitPartTextSitsInTheDeliverLayoutItsCountInItsOwnType) {
+    const LayoutCase cases[] = {
+        // One part of one: complete at once.
+        {"SUBMIT part", "0051000791442143F50000AA10050003330101A665371D040FCBE9",
+         NKW_PAL_SMS_TYPE_SUBMIT, 4, "Sent part", 0, 9, "length = 9 "},
+        {"DELIVER part", "07911326040000F0440791442143F50000421112214365800C0500030702019E7474590E",
+         NKW_PAL_SMS_TYPE_DELIVER, 3, "Other", 5, 0, "refnum = 7, maxnum = 2, curnum = 1 "},
+    };
+    for (const LayoutCase &c : cases) {
+        sms_decoded_msg msg;
+        auto pdu = gsm_buffer(c.pdu);
+        ASSERT_EQ(0, DecodeGsmPdu(pdu.data(), &msg)) << c.name;
+        EXPECT_EQ(c.type, msg.deliver.type) << c.name;
+        EXPECT_EQ(c.flags, msg.deliver.flags) << c.name;
+        EXPECT_EQ(c.text, std::string(msg.deliver.data, c.text.size())) << c.name;
+        EXPECT_EQ(c.deliver_len, msg.deliver.dataLen) << c.name;
+        EXPECT_EQ(c.submit_len, msg.submit.dataLen) << c.name;
+        EXPECT_TRUE(syslog_contains(c.log)) << c.name;
+    }
 }
 
 }  // namespace

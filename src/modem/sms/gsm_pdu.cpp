@@ -183,19 +183,22 @@ extern "C" int32_t DecodeGsmPdu(const uint8_t *pdu, sms_decoded_msg *msg) {
             return -1;
         }
         char first = first_septet_after_fill_bit(pdu[body_pos]);
-        char *data = msg->deliver.data;
+        char unpacked[kDataSize];
         int32_t count =
             nkw::sms::unpack_septets(pdu, static_cast<uint8_t>(body_pos + 1),
-                                     static_cast<uint32_t>(septets - 1), data, kDataSize);
+                                     static_cast<uint32_t>(septets - 1), unpacked, kDataSize);
         if (count == -1) {
             NKW_LOGI(kTag, "Overflow occurs when converting 7bits to 8bits  \n");
             return -1;
         }
-        // Both types: a concatenated part is read through the DELIVER layout.
-        msg->deliver.dataLen = static_cast<uint32_t>(count);
+        // The count goes to the length field of the message's own type, then
+        // the text to the DELIVER position for both types (a SUBMIT part of
+        // over 141 characters thus runs over its own length field).
+        *field.length = static_cast<uint32_t>(count);
+        char *data = msg->deliver.data;
         if (count > 0) {
-            std::memmove(data + 1, data, static_cast<size_t>(count - 1));
             data[0] = first;
+            std::memcpy(data + 1, unpacked, static_cast<size_t>(count - 1));
         }
         text = data;
         text_length = static_cast<uint32_t>(count);

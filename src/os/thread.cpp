@@ -107,7 +107,8 @@ int32_t nkw_pal_thread_create(thread_info **out, const char *name, const thread_
                 code = NKW_PAL_THREAD_STACK_TOO_SMALL;
                 break;
             }
-            if (pthread_attr_setstacksize(&attributes, platform_stack_size(record->attr.stack_size)) != 0) {
+            if (pthread_attr_setstacksize(&attributes,
+                                          platform_stack_size(record->attr.stack_size)) != 0) {
                 pthread_attr_destroy(&attributes);
                 NKW_LOGE(kTag, "The setstacksize failed \n");
                 code = -1;

@@ -6,8 +6,6 @@
 # Usage: tools/abi-baseline.sh [BUILD_DIR]   (default build)
 set -euo pipefail
 cd "$(dirname "$0")/.."
-source tools/deps.sh
-need_packages abigail-tools
 source tools/abi-common.sh
 build=${1:-build}
 if [ ! -f "$build/build.ninja" ]; then

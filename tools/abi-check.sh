@@ -8,8 +8,6 @@
 # Usage: tools/abi-check.sh [BUILD_DIR]   (default build)
 set -euo pipefail
 cd "$(dirname "$0")/.."
-source tools/deps.sh
-need_packages abigail-tools
 source tools/abi-common.sh
 build=${1:-build}
 lib=$(abi_library "$build")

@@ -1,11 +1,15 @@
 # Sourced by tools/abi-baseline.sh and tools/abi-check.sh: where the baseline
 # lives, which build of the library it describes, and how it is written.
+source tools/deps.sh
+need_packages abigail-tools
+
 ABI_BASELINE=abi/libnkw_pal.abi
 # The production library of a Debug build (tools/test.sh makes one in build/):
 # its debug information carries the layouts of the records callers share.
 abi_library() {
     local build=$1 lib="$1/src/libnkw_pal.so"
-    if [ ! -f "$lib" ] || ! readelf -S "$lib" | grep -q '\.debug_info'; then
+    # grep reads all of it: with pipefail an early exit would fail readelf.
+    if [ ! -f "$lib" ] || ! readelf -S "$lib" | grep -c '\.debug_info' >/dev/null; then
         echo "abi: $lib is missing or has no debug information; build $build with -DCMAKE_BUILD_TYPE=Debug" >&2
         return 1
     fi

@@ -3,7 +3,9 @@
 source tools/deps.sh
 need_packages abigail-tools
 
-ABI_BASELINE=abi/libnkw_pal.abi
+# Both may be pointed elsewhere (absolute paths), as the gate's own test does.
+ABI_BASELINE=${NKW_PAL_ABI_BASELINE:-abi/libnkw_pal.abi}
+ABI_HEADERS=${NKW_PAL_ABI_HEADERS:-include}
 # The production library of a Debug build (tools/test.sh makes one in build/):
 # its debug information carries the layouts of the records callers share.
 abi_library() {
@@ -16,5 +18,5 @@ abi_library() {
     echo "$lib"
 }
 # Only what the public headers declare; no paths, so any checkout compares.
-ABIDW_OPTIONS=(--headers-dir include --drop-private-types --no-corpus-path --no-comp-dir-path
+ABIDW_OPTIONS=(--headers-dir "$ABI_HEADERS" --drop-private-types --no-corpus-path --no-comp-dir-path
     --short-locs --no-elf-needed)

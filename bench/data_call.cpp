@@ -126,6 +126,6 @@ int main(int argc, char **argv) {
     benchmark::RunSpecifiedBenchmarks();
     benchmark::Shutdown();
     nkw_pal_modem_msg_deinit();
-    std::system(("rm -rf '" + root() + "'").c_str());
+    if (std::system(("rm -rf '" + root() + "'").c_str()) != 0) std::perror("rm");
     return 0;
 }

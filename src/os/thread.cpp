@@ -29,6 +29,17 @@ unsigned shown(pthread_t id) {
     return static_cast<unsigned>(id);
 }
 
+// Every size above kSmallestStack is accepted; where the C library's own
+// minimum is higher (glibc on aarch64 asks for 128 KiB) the stack is raised
+// to it rather than the thread refused.
+size_t platform_stack_size(uint32_t requested) {
+    long platform_min = sysconf(_SC_THREAD_STACK_MIN);
+    if (platform_min > 0 && static_cast<unsigned long>(platform_min) > requested) {
+        return static_cast<size_t>(platform_min);
+    }
+    return requested;
+}
+
 void *nkw_pal_thread_callbackInner(void *param) {
     auto *info = static_cast<thread_info *>(param);
     if (info == nullptr) {
@@ -96,7 +107,8 @@ int32_t nkw_pal_thread_create(thread_info **out, const char *name, const thread_
                 code = NKW_PAL_THREAD_STACK_TOO_SMALL;
                 break;
             }
-            if (pthread_attr_setstacksize(&attributes, record->attr.stack_size) != 0) {
+            if (pthread_attr_setstacksize(&attributes,
+                                          platform_stack_size(record->attr.stack_size)) != 0) {
                 pthread_attr_destroy(&attributes);
                 NKW_LOGE(kTag, "The setstacksize failed \n");
                 code = -1;

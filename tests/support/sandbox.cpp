@@ -92,7 +92,10 @@ bool Sandbox::exists(const std::string &fixed) const {
 
 void Sandbox::symlink(const std::string &fixed, const std::string &target) const {
     make_dirs(parent_of(path(fixed)));
-    ::symlink(target.c_str(), path(fixed).c_str());
+    if (::symlink(target.c_str(), path(fixed).c_str()) != 0) {
+        std::perror("symlink");
+        std::abort();
+    }
 }
 
 std::vector<std::string> Sandbox::commands() const {

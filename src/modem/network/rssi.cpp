@@ -1,4 +1,5 @@
 // Signal strength from the modem's AT+ECSQ answer.
+#include <climits>
 #include <cstdlib>
 #include <cstring>
 
@@ -30,6 +31,14 @@ bool third_field(const char *line, char (&field)[kFieldSize]) {
     if (length > kFieldSize - 1) length = kFieldSize - 1;
     std::memcpy(field, p, length);
     return true;
+}
+
+// atoi's reading, held to the int range: an over-long field must not overflow.
+int decimal_value(const char *text) {
+    long value = std::strtol(text, nullptr, 10);
+    if (value > INT_MAX) return INT_MAX;
+    if (value < INT_MIN) return INT_MIN;
+    return static_cast<int>(value);
 }
 
 }  // namespace
@@ -74,7 +83,7 @@ extern "C" int32_t nkw_pal_get_rssi(int32_t *rssi) {
         return NKW_PAL_FAIL;
     }
     NKW_LOGI(kTag, "get rssi_str:%s \n", field);
-    int value = std::atoi(field);
+    int value = decimal_value(field);
     // 0 and 1 compared unsigned; otherwise quarter-dB steps, rounded to zero.
     *rssi = static_cast<unsigned>(value) <= 1u ? kNoSignal : value / 4;
     return NKW_PAL_OK;

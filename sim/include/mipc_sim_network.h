@@ -1,7 +1,8 @@
 // Serving-network model of the simulated modem: registration, operator,
 // packet attach, serving cells, data class, radio power, initial-attach APNs
-// and the carrier configuration (SBP) id. A change of what the modem reports pushes the registration
-// indication to every registered listener, from the dispatcher thread.
+// and the carrier configuration (SBP) id. A change of what the modem reports
+// pushes the registration indication to every registered listener, from the
+// dispatcher thread.
 #pragma once
 
 #include <mipc_msg.h>

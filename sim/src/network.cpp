@@ -181,7 +181,10 @@ mipc_result_enum mipc_nw_register_state_register(mipc_sim_ps_id_enum sim_ps_id,
 
 mipc_result_enum mipc_nw_cell_info_get_sync(mipc_sim_ps_id_enum sim_ps_id,
                                             mipc_nw_cell_info_struct *result_ptr) {
-    core::record({"mipc_nw_cell_info_get_sync", sim_ps_id, 0, "",
+    core::record({"mipc_nw_cell_info_get_sync",
+                  sim_ps_id,
+                  0,
+                  "",
                   result_ptr != nullptr ? result_ptr->cell_list_count : -1,
                   {}});
     uint32_t code = 0;
@@ -221,8 +224,12 @@ mipc_result_enum mipc_nw_radio_state_get_sync(mipc_sim_ps_id_enum sim_ps_id,
 mipc_result_enum mipc_nw_final_radio_state_set_sync(mipc_sim_ps_id_enum sim_ps_id,
                                                     mipc_nw_radio_state_struct *result_ptr,
                                                     uint8_t sw_state, uint8_t hw_state) {
-    core::record(
-        {"mipc_nw_final_radio_state_set_sync", sim_ps_id, 0, std::to_string(hw_state), sw_state, {}});
+    core::record({"mipc_nw_final_radio_state_set_sync",
+                  sim_ps_id,
+                  0,
+                  std::to_string(hw_state),
+                  sw_state,
+                  {}});
     uint32_t code = 0;
     mipc_result_enum early{};
     if (core::take_call_fault("mipc_nw_final_radio_state_set_sync", &code, &early)) return early;
@@ -247,7 +254,8 @@ mipc_result_enum mipc_apn_ia_get_sync(mipc_sim_ps_id_enum sim_ps_id,
     std::lock_guard<std::mutex> guard(core::state_lock());
     const std::vector<mipc_apn_ia_entry_struct> &apns = network().apns;
     size_t count = std::min<size_t>(apns.size(), MIPC_APN_IA_LIST_MAX);
-    std::copy(apns.begin(), apns.begin() + static_cast<std::ptrdiff_t>(count), result_ptr->apn_list);
+    std::copy(apns.begin(), apns.begin() + static_cast<std::ptrdiff_t>(count),
+              result_ptr->apn_list);
     result_ptr->result_code = code;
     result_ptr->apn_list_count = static_cast<uint8_t>(count);
     return MIPC_RESULT_SUCCESS;
@@ -260,8 +268,8 @@ mipc_result_enum mipc_apn_ia_set_sync(mipc_sim_ps_id_enum sim_ps_id,
                                       uint32_t auth_type, const char *username_ptr,
                                       const char *password_ptr, unsigned int option,
                                       uint32_t compression) {
-    core::record({"mipc_apn_ia_set_sync", sim_ps_id, 0, apn_ptr != nullptr ? apn_ptr : "", option,
-                  {}});
+    core::record(
+        {"mipc_apn_ia_set_sync", sim_ps_id, 0, apn_ptr != nullptr ? apn_ptr : "", option, {}});
     uint32_t code = 0;
     mipc_result_enum early{};
     if (core::take_call_fault("mipc_apn_ia_set_sync", &code, &early)) return early;

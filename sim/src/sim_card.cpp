@@ -19,7 +19,7 @@ constexpr uint32_t kPinStateRequired = 1;
 
 struct Listener {
     mipc_sim_ps_id_enum ps_id;
-    mipc_sim_state_cb state_cb;    // one of the two is set
+    mipc_sim_state_cb state_cb;  // one of the two is set
     mipc_sim_status_cb status_cb;
     void *priv;
 };
@@ -133,8 +133,8 @@ void change_card(int slot, const SimCard &card) {
 }
 
 // Journals and takes a fault: true when the call must return *early.
-bool receive(const char *function, mipc_sim_ps_id_enum ps_id, const std::string &text,
-             int64_t arg, uint32_t *code, mipc_result_enum *early) {
+bool receive(const char *function, mipc_sim_ps_id_enum ps_id, const std::string &text, int64_t arg,
+             uint32_t *code, mipc_result_enum *early) {
     core::record({function, ps_id, 0, text, arg, {}});
     return core::take_call_fault(function, code, early);
 }
@@ -226,8 +226,7 @@ mipc_result_enum mipc_sim_verify_pin_sync(mipc_sim_ps_id_enum sim_ps_id,
         card.remaining_attempts = 3;
         if (card.status == kSimStatusPinRequired) card.status = kSimStatusReady;
     }
-    result_ptr->pin_state =
-        card.status == kSimStatusReady ? kPinStateVerified : kPinStateRequired;
+    result_ptr->pin_state = card.status == kSimStatusReady ? kPinStateVerified : kPinStateRequired;
     result_ptr->remaining_attempts = card.remaining_attempts;
     change_card(slot, card);
     return MIPC_RESULT_SUCCESS;
@@ -337,7 +336,9 @@ void push_sim_status(mipc_sim_ps_id_enum ps_id, std::optional<mipc_sim_status_st
         }
         for (const Listener &l : listeners) {
             if (l.ps_id == ps_id && l.status_cb != nullptr) {
-                post([l, null_user] { l.status_cb(l.ps_id, nullptr, null_user ? nullptr : l.priv); });
+                post([l, null_user] {
+                    l.status_cb(l.ps_id, nullptr, null_user ? nullptr : l.priv);
+                });
             }
         }
     } else {
@@ -356,7 +357,8 @@ void push_sim_state(mipc_sim_ps_id_enum ps_id, std::optional<mipc_sim_state_stru
         }
         for (const Listener &l : listeners) {
             if (l.ps_id == ps_id && l.state_cb != nullptr) {
-                post([l, null_user] { l.state_cb(l.ps_id, nullptr, null_user ? nullptr : l.priv); });
+                post(
+                    [l, null_user] { l.state_cb(l.ps_id, nullptr, null_user ? nullptr : l.priv); });
             }
         }
     } else {

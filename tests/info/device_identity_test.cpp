@@ -62,13 +62,10 @@ TEST(DeviceIdentity, ChipTypeAndFirmwareAreTheQuotedTextWithinTheirWindows) {
             int32_t status;
             std::string text;
         } cases[] = {
-            {"\"MT6890\"\r\nOK", 0, "MT6890"},
-            {"Chip: \"A\" \"B\"", 0, "A"},
-            {"\"\"", 0, ""},
-            {"\"" + fits + "\"", 0, fits},
-            {"\"" + fits + "c\"", -1, ""},  // closes one byte too late
-            {"no marks at all", -1, ""},
-            {"\"open only", -1, ""},
+            {"\"MT6890\"\r\nOK", 0, "MT6890"}, {"Chip: \"A\" \"B\"", 0, "A"}, {"\"\"", 0, ""},
+            {"\"" + fits + "\"", 0, fits},     {"\"" + fits + "c\"", -1, ""},  // closes one byte
+                                                                               // too late
+            {"no marks at all", -1, ""},       {"\"open only", -1, ""},
         };
         for (const auto &c : cases) {
             SCOPED_TRACE(c.response);
@@ -131,10 +128,10 @@ TEST(DeviceIdentity, CardDetectReadsTheLevelDigitOfPin83) {
     } cases[] = {
         {"PIN: (MODE)(DIR)(DOUT)(DIN)\n082: 1000000\n083: 0010000\n", 1},
         {"083: 0000000\n", 0},
-        {"083: 00\n", 2},         // shorter than 8 characters
-        {"083: 0020000\n", 2},    // not a digit 0 or 1
-        {"82: 0001000\n", 2},     // no pin 83
-        {" 083: 0010000\n", 2},   // the prefix must open the line
+        {"083: 00\n", 2},                              // shorter than 8 characters
+        {"083: 0020000\n", 2},                         // not a digit 0 or 1
+        {"82: 0001000\n", 2},                          // no pin 83
+        {" 083: 0010000\n", 2},                        // the prefix must open the line
         {std::string(60, 'x') + "\n083: 0010000", 1},  // long lines are read in pieces
         {"", 2},
     };
@@ -163,10 +160,10 @@ TEST(DeviceIdentity, ManufactureDateFromTheSerialsYearAndMonthLetters) {
         {"\"abcdAB6789\"", "20100101"},
         {"\"abcdZZ6789\"", "20331201"},
         {"\"abcdHJ6789\"", "20170501"},
-        {"\"abcdIO6789\"", "20100101"},  // I and O are in neither table
-        {"\"abcdpg6789\"", "20100101"},  // case-sensitive
-        {"\"abcdPG678\"", "20100101"},   // 9 characters
-        {"\"abcdPG67890\"", "20100101"}, // 11 characters
+        {"\"abcdIO6789\"", "20100101"},   // I and O are in neither table
+        {"\"abcdpg6789\"", "20100101"},   // case-sensitive
+        {"\"abcdPG678\"", "20100101"},    // 9 characters
+        {"\"abcdPG67890\"", "20100101"},  // 11 characters
         {"abcdPG6789", "20100101"},
         {"\"abcdPG6789", "20100101"},
     };

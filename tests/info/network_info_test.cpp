@@ -32,16 +32,36 @@ TEST(CellWalk, FirstValidEntryWinsAndGsmUmtsAreJudgedByTheFirstEntrysType) {
         uint32_t lac;
         const char *message;
     } cases[] = {
-        {"nr unknown then lte", {nr_cell(0xFFFFFFFF, 7), lte_cell(12345, 0)}, 0, 12345, 7,
+        {"nr unknown then lte",
+         {nr_cell(0xFFFFFFFF, 7), lte_cell(12345, 0)},
+         0,
+         12345,
+         7,
          "get cellid, TYPE_LTE, cellid:12345 \n"},
-        {"nr 36 bits", {nr_cell(0x123456789ULL, 0x10)}, 0, 0x123456789ULL, 0x10,
+        {"nr 36 bits",
+         {nr_cell(0x123456789ULL, 0x10)},
+         0,
+         0x123456789ULL,
+         0x10,
          "TYPE_NR, cellid:4886718345 \n"},
-        {"umts then gsm", {gw_cell(kUmts, 0, 0), gw_cell(kGsm, 77, 88)}, 0, 77, 88,
+        {"umts then gsm",
+         {gw_cell(kUmts, 0, 0), gw_cell(kGsm, 77, 88)},
+         0,
+         77,
+         88,
          "get cellid, TYPE_UMTS, cellid:77 \n"},
         {"gsm first", {gw_cell(kGsm, 5, 6)}, 0, 5, 6, "get lac, TYPE_GSM, lac:6 \n"},
-        {"lte first then gsm", {lte_cell(0, 0), gw_cell(kGsm, 5, 6)}, -1, kUntouched, 0,
+        {"lte first then gsm",
+         {lte_cell(0, 0), gw_cell(kGsm, 5, 6)},
+         -1,
+         kUntouched,
+         0,
          "get physically id failed for result: 0 \n"},
-        {"lte all ones", {lte_cell(0xFFFFFFFF, 0xFFFFFFFF)}, -1, kUntouched, 0,
+        {"lte all ones",
+         {lte_cell(0xFFFFFFFF, 0xFFFFFFFF)},
+         -1,
+         kUntouched,
+         0,
          "get  physically id failed for result:0 \n"},
         {"empty", {}, -1, kUntouched, 0, "listcount: 0 \n"},
     };
@@ -94,10 +114,17 @@ TEST(DataClass, FirstMatchingMaskWinsAndTheLogShowsTheCallersOldValue) {
         uint16_t code;
         const char *log;
     } cases[] = {
-        {0x80, 5, "TYPE_NR"},         {0x40 | 0x20, 5, "TYPE_NR"}, {0x20, 1, "TYPE_LTE"},
-        {0x20 | 0x1, 1, "TYPE_LTE"},  {0x1, 4, "TYPE_UMT"},       {0x40000000, 4, "TYPE_UMT"},
-        {0x80000000, 6, "TYPE_GSM"},  {0x10000, 6, "TYPE_GSM"},   {0x2, 6, "TYPE_GSM"},
-        {0x100, 2, "unknow"},         {0, 2, "unknow"},
+        {0x80, 5, "TYPE_NR"},
+        {0x40 | 0x20, 5, "TYPE_NR"},
+        {0x20, 1, "TYPE_LTE"},
+        {0x20 | 0x1, 1, "TYPE_LTE"},
+        {0x1, 4, "TYPE_UMT"},
+        {0x40000000, 4, "TYPE_UMT"},
+        {0x80000000, 6, "TYPE_GSM"},
+        {0x10000, 6, "TYPE_GSM"},
+        {0x2, 6, "TYPE_GSM"},
+        {0x100, 2, "unknow"},
+        {0, 2, "unknow"},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.mask);
@@ -131,7 +158,7 @@ TEST(Rssi, ThirdFieldOfTheRightLineInQuarterSteps) {
         {0x20, "+ECSQ: 1,2,1,4", 0, -113, "rssi_str:1 \n"},
         {0x20, "+ECSQ: 1,2,0", 0, -113, "rssi_str:0 \n"},
         {0x20, "+ECSQ: 1,2,200,4", 0, 50, "rssi_str:200 \n"},
-        {0x20, "+ECSQ: 1,2,-1,4", 0, 0, "rssi_str:-1 \n"},  // -1 is not 1 unsigned
+        {0x20, "+ECSQ: 1,2,-1,4", 0, 0, "rssi_str:-1 \n"},   // -1 is not 1 unsigned
         {0x20, "+ECSQ: 1,2,-7,4", 0, -1, "rssi_str:-7 \n"},  // rounds toward zero
         {0x20, "+ECSQ: 1,2,2", 0, 0, "rssi_str:2 \n"},
         {0x80, "+ECSQ: 1,2,-300\r\n+ECSQ: 3,4,-400\r\nOK", 0, -100, "get NR network type \n"},
@@ -185,7 +212,8 @@ TEST(Radio, StateIsOnOnlyWhenBothAreOnAndTheSetBoundIsSigned) {
         int32_t state;
         int32_t status;
         int64_t sent;  // -1: no modem call
-    } sets[] = {{2, 7, -1}, {INT32_MAX, 7, -1}, {0, 0, 0}, {1, 0, 1}, {-1, 0, 1}, {INT32_MIN, 0, 1}};
+    } sets[] = {{2, 7, -1}, {INT32_MAX, 7, -1}, {0, 0, 0},
+                {1, 0, 1},  {-1, 0, 1},         {INT32_MIN, 0, 1}};
     for (const auto &s : sets) {
         SCOPED_TRACE(s.state);
         mipc_sim::clear_journal();
@@ -209,7 +237,8 @@ TEST(Radio, StateIsOnOnlyWhenBothAreOnAndTheSetBoundIsSigned) {
         mipc_sim::Fault fault;
         const char *message;
     } faults[] = {
-        {"mipc_nw_radio_state_get_sync", mipc_sim::return_value(2), "get_sync failed, api_result=2"},
+        {"mipc_nw_radio_state_get_sync", mipc_sim::return_value(2),
+         "get_sync failed, api_result=2"},
         {"mipc_nw_radio_state_get_sync", mipc_sim::result_code(5), "get_sync result=5. \n"},
         {"mipc_nw_final_radio_state_set_sync", mipc_sim::return_value(2), "api_result=2. \n"},
         {"mipc_nw_final_radio_state_set_sync", mipc_sim::result_code(5), "set_sync result=5. \n"},
@@ -301,12 +330,9 @@ TEST(RegisterInfo, RegisteredFillsAllSearchingClearsEightBytesOthersTouchNothing
         std::string name;  // 60 bytes compared up to the first '#'
         uint32_t mcc, mnc;
     } cases[] = {
-        {1, "46001", "Test Network", 460, 1},
-        {5, "310260", "Test Network", 310, 260},
-        {2, "46001", std::string(8, '\0'), 7, 7},
-        {0, "46001", std::string(8, '\0'), 7, 7},
-        {4, "46001", std::string(8, '\0'), 7, 7},
-        {9, "46001", "", 7, 7},
+        {1, "46001", "Test Network", 460, 1},     {5, "310260", "Test Network", 310, 260},
+        {2, "46001", std::string(8, '\0'), 7, 7}, {0, "46001", std::string(8, '\0'), 7, 7},
+        {4, "46001", std::string(8, '\0'), 7, 7}, {9, "46001", "", 7, 7},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.ps_state);

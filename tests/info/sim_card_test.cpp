@@ -104,7 +104,7 @@ TEST(SimEid, TakesThe32BytesAfterTheFirstQuoteWithinA100CharacterAnswer) {
         std::string eid;  // up to the marker
         const char *message;
     } cases[] = {
-        {"+GTESIMID: \"" + eid32 + "\"\r\nOK", 0, eid32, "operater success, eid: " },
+        {"+GTESIMID: \"" + eid32 + "\"\r\nOK", 0, eid32, "operater success, eid: "},
         // No closing mark is looked for.
         {"\"" + eid32 + "TAIL", 0, eid32, "operater success, eid: "},
         {"+GTESIMID: " + eid32, -1, "", "get eid failed for result: 0 \n"},
@@ -167,8 +167,8 @@ TEST(SimStatus, StateAndStatusMapToTheCodeTable) {
     const struct {
         uint32_t state, status;
         int32_t code;
-    } cases[] = {{1, 0, 0},  {1, 1, 1},  {1, 2, 7},  {1, 3, 2},    {1, 4, 3}, {1, 10, 4},
-                 {1, 20, 6}, {1, 21, 7}, {1, 5, 5},  {1, 0xFFFFFFFF, 5}, {6, 0, 5}};
+    } cases[] = {{1, 0, 0},  {1, 1, 1},  {1, 2, 7}, {1, 3, 2},          {1, 4, 3}, {1, 10, 4},
+                 {1, 20, 6}, {1, 21, 7}, {1, 5, 5}, {1, 0xFFFFFFFF, 5}, {6, 0, 5}};
     for (const auto &c : cases) {
         SCOPED_TRACE(std::to_string(c.state) + "/" + std::to_string(c.status));
         mipc_sim::SimCard card;
@@ -186,8 +186,8 @@ TEST(SimStatus, IndexSelectsTheStackAndTheSpecialResultCodesAnswer) {
     const struct {
         int32_t index;
         int ps_id;  // -1: no modem call
-    } indexes[] = {{0, MIPC_PS0}, {1, MIPC_PS1}, {-1, MIPC_PS1}, {255, MIPC_PS1}, {256, -1},
-                   {300, -1}};
+    } indexes[] = {{0, MIPC_PS0},   {1, MIPC_PS1}, {-1, MIPC_PS1},
+                   {255, MIPC_PS1}, {256, -1},     {300, -1}};
     for (const auto &c : indexes) {
         SCOPED_TRACE(c.index);
         mipc_sim::clear_journal();

@@ -3,8 +3,8 @@
 
 #include "diag/log.h"
 #include "modem/device_identity/quoted_answer.h"
-#include "modem/mipc.h"
 #include "modem/info_tag.h"
+#include "modem/mipc.h"
 #include "nkw_pal/info.h"
 
 using nkw::info::kTag;

@@ -2,8 +2,8 @@
 #include <cstring>
 
 #include "diag/log.h"
-#include "modem/mipc.h"
 #include "modem/info_tag.h"
+#include "modem/mipc.h"
 #include "nkw_pal/info.h"
 
 using nkw::info::kTag;

@@ -2,8 +2,8 @@
 #include <cstring>
 
 #include "diag/log.h"
-#include "modem/mipc.h"
 #include "modem/info_tag.h"
+#include "modem/mipc.h"
 #include "nkw_pal/info.h"
 #include "os/heap_record.h"
 
@@ -57,10 +57,9 @@ int32_t nkw_pal_set_attach_apn(const attach_apn_info *info) {
     // The input is not checked: callers always pass one.
     mipc_apn_ia_set_struct record;
     std::memset(&record, 0, sizeof record);
-    mipc_result_enum result =
-        mipc_apn_ia_set_sync(MIPC_PS_ALL, &record, info->apn, info->pdp_type,
-                             info->roaming_pdp_type, info->auth_type, info->username,
-                             info->password, info->option, info->compression);
+    mipc_result_enum result = mipc_apn_ia_set_sync(
+        MIPC_PS_ALL, &record, info->apn, info->pdp_type, info->roaming_pdp_type, info->auth_type,
+        info->username, info->password, info->option, info->compression);
     if (result != MIPC_RESULT_SUCCESS) {
         NKW_LOGE(kTag, "mipc_apn_ia_set_sync failed, api_result=%d. \n", result);
         return NKW_PAL_FAIL;

@@ -2,8 +2,8 @@
 #include <cinttypes>
 
 #include "diag/log.h"
-#include "modem/network/cell_walk.h"
 #include "modem/info_tag.h"
+#include "modem/network/cell_walk.h"
 #include "nkw_pal/info.h"
 #include "os/heap_record.h"
 

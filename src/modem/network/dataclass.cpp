@@ -1,7 +1,7 @@
 // The data class (radio access technology) of the current bearer.
 #include "diag/log.h"
-#include "modem/mipc.h"
 #include "modem/info_tag.h"
+#include "modem/mipc.h"
 #include "nkw_pal/info.h"
 #include "os/heap_record.h"
 

@@ -3,8 +3,8 @@
 #include <cstring>
 
 #include "diag/log.h"
-#include "modem/mipc.h"
 #include "modem/info_tag.h"
+#include "modem/mipc.h"
 #include "nkw_pal/info.h"
 
 using nkw::info::kTag;
@@ -12,7 +12,7 @@ using nkw::info::kTag;
 namespace {
 
 constexpr size_t kMccLen = 3;
-constexpr size_t kMncLen = 4;        // the digits after the MCC, up to the PLMN's seventh byte
+constexpr size_t kMncLen = 4;           // the digits after the MCC, up to the PLMN's seventh byte
 constexpr size_t kClearedOnSearch = 8;  // bytes of the name cleared while not registered
 
 }  // namespace

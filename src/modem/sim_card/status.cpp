@@ -2,9 +2,9 @@
 #include <cstring>
 
 #include "diag/log.h"
+#include "modem/info_tag.h"
 #include "modem/mipc.h"
 #include "modem/sim_card/status_code.h"
-#include "modem/info_tag.h"
 #include "nkw_pal/info.h"
 
 using nkw::info::kTag;

@@ -1,8 +1,8 @@
 // SIM status and state indications handed on to the caller's callback.
 #include "diag/log.h"
+#include "modem/info_tag.h"
 #include "modem/mipc.h"
 #include "modem/sim_card/status_code.h"
-#include "modem/info_tag.h"
 #include "nkw_pal/info.h"
 #include "os/heap_record.h"
 

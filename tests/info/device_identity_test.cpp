@@ -62,10 +62,14 @@ TEST(DeviceIdentity, ChipTypeAndFirmwareAreTheQuotedTextWithinTheirWindows) {
             int32_t status;
             std::string text;
         } cases[] = {
-            {"\"MT6890\"\r\nOK", 0, "MT6890"}, {"Chip: \"A\" \"B\"", 0, "A"}, {"\"\"", 0, ""},
-            {"\"" + fits + "\"", 0, fits},     {"\"" + fits + "c\"", -1, ""},  // closes one byte
-                                                                               // too late
-            {"no marks at all", -1, ""},       {"\"open only", -1, ""},
+            {"\"MT6890\"\r\nOK", 0, "MT6890"},
+            {"Chip: \"A\" \"B\"", 0, "A"},
+            {"\"\"", 0, ""},
+            {"\"" + fits + "\"", 0, fits},
+            // Closes one byte too late.
+            {"\"" + fits + "c\"", -1, ""},
+            {"no marks at all", -1, ""},
+            {"\"open only", -1, ""},
         };
         for (const auto &c : cases) {
             SCOPED_TRACE(c.response);

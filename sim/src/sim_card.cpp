@@ -73,8 +73,10 @@ void copy_text(char *field, size_t size, const std::string &text) {
     std::memcpy(field, text.data(), std::min(text.size(), size - 1));
 }
 
+// Posts the records given to the listeners of `ps_id`; `null_record` and
+// `null_user` hand them null pointers instead, as a faulty modem might.
 void announce(mipc_sim_ps_id_enum ps_id, std::optional<mipc_sim_state_struct> state,
-              std::optional<mipc_sim_status_struct> status, bool null_user) {
+              std::optional<mipc_sim_status_struct> status, bool null_record, bool null_user) {
     std::vector<Listener> listeners;
     {
         std::lock_guard<std::mutex> guard(core::state_lock());
@@ -84,15 +86,13 @@ void announce(mipc_sim_ps_id_enum ps_id, std::optional<mipc_sim_state_struct> st
         if (l.ps_id != ps_id) continue;
         void *priv = null_user ? nullptr : l.priv;
         if (l.state_cb != nullptr && state) {
-            post([l, priv, record = state] {
-                mipc_sim_state_struct copy = record.value_or(mipc_sim_state_struct{});
-                l.state_cb(l.ps_id, record ? &copy : nullptr, priv);
+            post([l, priv, record = *state, null_record]() mutable {
+                l.state_cb(l.ps_id, null_record ? nullptr : &record, priv);
             });
         }
         if (l.status_cb != nullptr && status) {
-            post([l, priv, record = status] {
-                mipc_sim_status_struct copy = record.value_or(mipc_sim_status_struct{});
-                l.status_cb(l.ps_id, record ? &copy : nullptr, priv);
+            post([l, priv, record = *status, null_record]() mutable {
+                l.status_cb(l.ps_id, null_record ? nullptr : &record, priv);
             });
         }
     }
@@ -127,7 +127,7 @@ void change_card(int slot, const SimCard &card) {
     if (before.state != card.state) state = state_record(slot, card);
     if (before.status != card.status) status = status_record(slot, card);
     if (state || status) {
-        announce(stack, state, status, false);
+        announce(stack, state, status, false, false);
         if (!core::on_dispatcher_thread()) drain();
     }
 }
@@ -137,6 +137,32 @@ bool receive(const char *function, mipc_sim_ps_id_enum ps_id, const std::string 
              uint32_t *code, mipc_result_enum *early) {
     core::record({function, ps_id, 0, text, arg, {}});
     return core::take_call_fault(function, code, early);
+}
+
+// A state or status query: the record `make` builds for the stack's card.
+template <typename Record>
+mipc_result_enum card_record(const char *function, mipc_sim_ps_id_enum ps_id, Record *result_ptr,
+                             Record (*make)(int, const SimCard &)) {
+    uint32_t code = 0;
+    mipc_result_enum early{};
+    if (receive(function, ps_id, "", 0, &code, &early)) return early;
+    if (result_ptr == nullptr) return MIPC_RESULT_BAD_PARAM;
+    std::lock_guard<std::mutex> guard(core::state_lock());
+    int slot = slot_of_locked(ps_id);
+    *result_ptr = make(slot, cards().slot[slot]);
+    result_ptr->result_code = code;
+    return MIPC_RESULT_SUCCESS;
+}
+
+mipc_result_enum add_listener(const char *function, bool has_callback, const Listener &listener) {
+    core::record({function, listener.ps_id, 0, "", 0, {}});
+    Fault fault{};
+    if (core::take_fault(function, &fault)) return static_cast<mipc_result_enum>(fault.value);
+    if (!has_callback) return MIPC_RESULT_BAD_PARAM;
+    core::keep_for_process(listener.priv);
+    std::lock_guard<std::mutex> guard(core::state_lock());
+    cards().listeners.push_back(listener);
+    return MIPC_RESULT_SUCCESS;
 }
 
 }  // namespace
@@ -174,28 +200,12 @@ mipc_result_enum mipc_sim_iccid_get_sync(mipc_sim_ps_id_enum sim_ps_id,
 
 mipc_result_enum mipc_sim_state_get_sync(mipc_sim_ps_id_enum sim_ps_id,
                                          mipc_sim_state_struct *result_ptr) {
-    uint32_t code = 0;
-    mipc_result_enum early{};
-    if (receive("mipc_sim_state_get_sync", sim_ps_id, "", 0, &code, &early)) return early;
-    if (result_ptr == nullptr) return MIPC_RESULT_BAD_PARAM;
-    std::lock_guard<std::mutex> guard(core::state_lock());
-    int slot = slot_of_locked(sim_ps_id);
-    *result_ptr = state_record(slot, cards().slot[slot]);
-    result_ptr->result_code = code;
-    return MIPC_RESULT_SUCCESS;
+    return card_record("mipc_sim_state_get_sync", sim_ps_id, result_ptr, state_record);
 }
 
 mipc_result_enum mipc_sim_status_get_sync(mipc_sim_ps_id_enum sim_ps_id,
                                           mipc_sim_status_struct *result_ptr) {
-    uint32_t code = 0;
-    mipc_result_enum early{};
-    if (receive("mipc_sim_status_get_sync", sim_ps_id, "", 0, &code, &early)) return early;
-    if (result_ptr == nullptr) return MIPC_RESULT_BAD_PARAM;
-    std::lock_guard<std::mutex> guard(core::state_lock());
-    int slot = slot_of_locked(sim_ps_id);
-    *result_ptr = status_record(slot, cards().slot[slot]);
-    result_ptr->result_code = code;
-    return MIPC_RESULT_SUCCESS;
+    return card_record("mipc_sim_status_get_sync", sim_ps_id, result_ptr, status_record);
 }
 
 mipc_result_enum mipc_sim_verify_pin_sync(mipc_sim_ps_id_enum sim_ps_id,
@@ -234,30 +244,14 @@ mipc_result_enum mipc_sim_verify_pin_sync(mipc_sim_ps_id_enum sim_ps_id,
 
 mipc_result_enum mipc_sim_state_register(mipc_sim_ps_id_enum sim_ps_id, mipc_sim_state_cb cb,
                                          void *cb_priv_ptr) {
-    core::record({"mipc_sim_state_register", sim_ps_id, 0, "", 0, {}});
-    Fault fault{};
-    if (core::take_fault("mipc_sim_state_register", &fault)) {
-        return static_cast<mipc_result_enum>(fault.value);
-    }
-    if (cb == nullptr) return MIPC_RESULT_BAD_PARAM;
-    core::keep_for_process(cb_priv_ptr);
-    std::lock_guard<std::mutex> guard(core::state_lock());
-    cards().listeners.push_back({sim_ps_id, cb, nullptr, cb_priv_ptr});
-    return MIPC_RESULT_SUCCESS;
+    return add_listener("mipc_sim_state_register", cb != nullptr,
+                        {sim_ps_id, cb, nullptr, cb_priv_ptr});
 }
 
 mipc_result_enum mipc_sim_status_register(mipc_sim_ps_id_enum sim_ps_id, mipc_sim_status_cb cb,
                                           void *cb_priv_ptr) {
-    core::record({"mipc_sim_status_register", sim_ps_id, 0, "", 0, {}});
-    Fault fault{};
-    if (core::take_fault("mipc_sim_status_register", &fault)) {
-        return static_cast<mipc_result_enum>(fault.value);
-    }
-    if (cb == nullptr) return MIPC_RESULT_BAD_PARAM;
-    core::keep_for_process(cb_priv_ptr);
-    std::lock_guard<std::mutex> guard(core::state_lock());
-    cards().listeners.push_back({sim_ps_id, nullptr, cb, cb_priv_ptr});
-    return MIPC_RESULT_SUCCESS;
+    return add_listener("mipc_sim_status_register", cb != nullptr,
+                        {sim_ps_id, nullptr, cb, cb_priv_ptr});
 }
 
 mipc_result_enum mipc_sys_mapping_get_sync(mipc_sim_ps_id_enum sim_ps_id,
@@ -327,43 +321,13 @@ void set_mapped_slot(int slot) {
 
 void push_sim_status(mipc_sim_ps_id_enum ps_id, std::optional<mipc_sim_status_struct> record,
                      bool null_user) {
-    if (!record) {
-        // A null record: announce() sends the pointer only when asked to.
-        std::vector<Listener> listeners;
-        {
-            std::lock_guard<std::mutex> guard(core::state_lock());
-            listeners = cards().listeners;
-        }
-        for (const Listener &l : listeners) {
-            if (l.ps_id == ps_id && l.status_cb != nullptr) {
-                post([l, null_user] {
-                    l.status_cb(l.ps_id, nullptr, null_user ? nullptr : l.priv);
-                });
-            }
-        }
-    } else {
-        announce(ps_id, std::nullopt, record, null_user);
-    }
+    announce(ps_id, std::nullopt, record.value_or(mipc_sim_status_struct{}), !record, null_user);
     drain();
 }
 
 void push_sim_state(mipc_sim_ps_id_enum ps_id, std::optional<mipc_sim_state_struct> record,
                     bool null_user) {
-    if (!record) {
-        std::vector<Listener> listeners;
-        {
-            std::lock_guard<std::mutex> guard(core::state_lock());
-            listeners = cards().listeners;
-        }
-        for (const Listener &l : listeners) {
-            if (l.ps_id == ps_id && l.state_cb != nullptr) {
-                post(
-                    [l, null_user] { l.state_cb(l.ps_id, nullptr, null_user ? nullptr : l.priv); });
-            }
-        }
-    } else {
-        announce(ps_id, record, std::nullopt, null_user);
-    }
+    announce(ps_id, record.value_or(mipc_sim_state_struct{}), std::nullopt, !record, null_user);
     drain();
 }
 

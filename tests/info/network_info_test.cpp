@@ -226,6 +226,8 @@ TEST(Radio, StateIsOnOnlyWhenBothAreOnAndTheSetBoundIsSigned) {
         }
     }
     EXPECT_TRUE(syslog_contains("set_final_radio_status get param failed. \n"));
+    EXPECT_EQ(-1, nkw_pal_get_radio_state(nullptr));  // asked, but never written through
+    EXPECT_TRUE(syslog_contains("get radio state failed for param \n"));
     // Off takes the module off the network.
     ASSERT_EQ(0, nkw_pal_set_radio_state(0));
     uint32_t reg = 9;
@@ -300,7 +302,10 @@ TEST(AttachApn, SetThenGetRoundTripsTheFirstEntryFieldByField) {
 TEST(AttachApn, BadArgumentAndModemFailures) {
     attach_apn_info info{};
     EXPECT_EQ(7, nkw_pal_get_attach_apn(nullptr));
+    EXPECT_EQ(-1, nkw_pal_set_attach_apn(nullptr));
     EXPECT_TRUE(syslog_contains("get attach_apn_info failed for param \n"));
+    EXPECT_TRUE(syslog_contains("set attach_apn_info failed for param \n"));
+    EXPECT_TRUE(mipc_sim::calls_to("mipc_apn_ia_set_sync").empty());
     const struct {
         const char *call;
         mipc_sim::Fault fault;

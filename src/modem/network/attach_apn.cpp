@@ -54,7 +54,11 @@ int32_t nkw_pal_get_attach_apn(attach_apn_info *info) {
 }
 
 int32_t nkw_pal_set_attach_apn(const attach_apn_info *info) {
-    // The input is not checked: callers always pass one.
+    // Refused before the modem is asked: there is nothing to send.
+    if (info == nullptr) {
+        NKW_LOGE(kTag, "set attach_apn_info failed for param \n");
+        return NKW_PAL_FAIL;
+    }
     mipc_apn_ia_set_struct record;
     std::memset(&record, 0, sizeof record);
     mipc_result_enum result = mipc_apn_ia_set_sync(

@@ -24,7 +24,12 @@ int32_t nkw_pal_get_radio_state(uint32_t *state) {
     }
     NKW_LOGI(kTag, "mipc_nw_radio_state_get_sync sw=%d, hw=%d. \n", record.sw_state,
              record.hw_state);
-    // The output is not checked: callers always pass one.
+    // Checked only after the query, so the modem sees the same calls; a null
+    // output is refused rather than written through.
+    if (state == nullptr) {
+        NKW_LOGE(kTag, "get radio state failed for param \n");
+        return NKW_PAL_FAIL;
+    }
     *state = record.sw_state != 0 && record.hw_state != 0 ? 1 : 0;
     return NKW_PAL_OK;
 }

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -92,22 +93,6 @@ TEST(CellWalk, ACountBeyondTheListIsWalkedOnlyAsFarAsTheRecordGoes) {
     EXPECT_FALSE(syslog_contains("cell_list[10]"));
 }
 
-TEST(CellWalk, BadArgumentsAndModemFailures) {
-    EXPECT_EQ(7, nkw_pal_get_cellid(nullptr));
-    EXPECT_EQ(-1, nkw_pal_get_lac(nullptr));
-    EXPECT_TRUE(syslog_contains("get cellid failed for param \n"));
-    EXPECT_TRUE(syslog_contains("get lac failed for param \n"));
-    uint64_t cellid = kUntouched;
-    uint32_t lac = 0;
-    mipc_sim::fail_next("mipc_nw_cell_info_get_sync", mipc_sim::return_value(2));
-    EXPECT_EQ(-1, nkw_pal_get_cellid(&cellid));
-    EXPECT_TRUE(syslog_contains("get physically id failed for result: 2 \n"));
-    mipc_sim::fail_next("mipc_nw_cell_info_get_sync", mipc_sim::result_code(3));
-    EXPECT_EQ(-1, nkw_pal_get_lac(&lac));
-    EXPECT_TRUE(syslog_contains("operater success, but excute result:3 \n"));
-    EXPECT_TRUE(nkw::test::heap_balanced());
-}
-
 TEST(DataClass, FirstMatchingMaskWinsAndTheLogShowsTheCallersOldValue) {
     const struct {
         uint32_t mask;
@@ -134,16 +119,6 @@ TEST(DataClass, FirstMatchingMaskWinsAndTheLogShowsTheCallersOldValue) {
         EXPECT_EQ(c.code, out);
         EXPECT_TRUE(syslog_contains(std::string("get dataclass, ") + c.log + ", nw_bearer:321 \n"));
     }
-    EXPECT_EQ(-1, nkw_pal_get_current_dataclass(nullptr));
-    EXPECT_TRUE(syslog_contains("get current data failed for param \n"));
-    uint16_t out = 0;
-    mipc_sim::fail_next("mipc_nw_ps_get_sync", mipc_sim::return_value(2));
-    EXPECT_EQ(-1, nkw_pal_get_current_dataclass(&out));
-    mipc_sim::fail_next("mipc_nw_ps_get_sync", mipc_sim::result_code(8));
-    EXPECT_EQ(-1, nkw_pal_get_current_dataclass(&out));
-    EXPECT_TRUE(syslog_contains("get nw_bearer failed for result:2 \n"));
-    EXPECT_TRUE(syslog_contains("operater success, but excute result:8 \n"));
-    EXPECT_TRUE(nkw::test::heap_balanced());
 }
 
 TEST(Rssi, ThirdFieldOfTheRightLineInQuarterSteps) {
@@ -181,8 +156,6 @@ TEST(Rssi, ThirdFieldOfTheRightLineInQuarterSteps) {
 
 TEST(Rssi, FailuresOfEitherModemQuestion) {
     int32_t rssi = 0;
-    EXPECT_EQ(-1, nkw_pal_get_rssi(nullptr));
-    EXPECT_TRUE(syslog_contains("get rssi failed for param \n"));
     mipc_sim::set_at_reply("AT+ECSQ", 4, "ERROR");
     EXPECT_EQ(-1, nkw_pal_get_rssi(&rssi));
     EXPECT_TRUE(syslog_contains("get rssi failed for at excute failed \n"));
@@ -226,47 +199,11 @@ TEST(Radio, StateIsOnOnlyWhenBothAreOnAndTheSetBoundIsSigned) {
         }
     }
     EXPECT_TRUE(syslog_contains("set_final_radio_status get param failed. \n"));
-    EXPECT_EQ(-1, nkw_pal_get_radio_state(nullptr));  // asked, but never written through
-    EXPECT_TRUE(syslog_contains("get radio state failed for param \n"));
     // Off takes the module off the network.
     ASSERT_EQ(0, nkw_pal_set_radio_state(0));
     uint32_t reg = 9;
     ASSERT_EQ(0, nkw_pal_get_register_state(&reg));
     EXPECT_EQ(0u, reg);
-
-    const struct {
-        const char *call;
-        mipc_sim::Fault fault;
-        const char *message;
-    } faults[] = {
-        {"mipc_nw_radio_state_get_sync", mipc_sim::return_value(2),
-         "get_sync failed, api_result=2"},
-        {"mipc_nw_radio_state_get_sync", mipc_sim::result_code(5), "get_sync result=5. \n"},
-        {"mipc_nw_final_radio_state_set_sync", mipc_sim::return_value(2), "api_result=2. \n"},
-        {"mipc_nw_final_radio_state_set_sync", mipc_sim::result_code(5), "set_sync result=5. \n"},
-    };
-    for (const auto &f : faults) {
-        SCOPED_TRACE(f.message);
-        mipc_sim::fail_next(f.call, f.fault);
-        uint32_t state = 0;
-        EXPECT_EQ(-1, std::string(f.call).find("final") != std::string::npos
-                          ? nkw_pal_set_radio_state(1)
-                          : nkw_pal_get_radio_state(&state));
-        EXPECT_TRUE(syslog_contains(f.message));
-    }
-}
-
-mipc_apn_ia_entry_struct apn_entry(const char *apn, const char *user, const char *password) {
-    mipc_apn_ia_entry_struct entry{};
-    std::strncpy(entry.apn, apn, sizeof entry.apn - 1);
-    std::strncpy(entry.username, user, sizeof entry.username - 1);
-    std::strncpy(entry.password, password, sizeof entry.password - 1);
-    entry.option = 0xA1B2C3D4;
-    entry.pdp_type = 3;
-    entry.roaming_pdp_type = 2;
-    entry.auth_type = 1;
-    entry.compression = 4;
-    return entry;
 }
 
 TEST(AttachApn, SetThenGetRoundTripsTheFirstEntryFieldByField) {
@@ -287,7 +224,10 @@ TEST(AttachApn, SetThenGetRoundTripsTheFirstEntryFieldByField) {
     EXPECT_TRUE(syslog_contains("mipc_apn_ia_get_sync attach_apn_list is 1. \n"));
 
     // Only the first of several entries; an empty list zeroes the whole record.
-    mipc_sim::set_attach_apns({apn_entry("first", "a", "b"), apn_entry("second", "c", "d")});
+    mipc_apn_ia_entry_struct first{}, second{};
+    std::strcpy(first.apn, "first");
+    std::strcpy(second.apn, "second");
+    mipc_sim::set_attach_apns({first, second});
     ASSERT_EQ(0, nkw_pal_get_attach_apn(&out));
     EXPECT_STREQ("first", out.apn);
     mipc_sim::set_attach_apns({});
@@ -296,35 +236,6 @@ TEST(AttachApn, SetThenGetRoundTripsTheFirstEntryFieldByField) {
     EXPECT_EQ(attach_apn_info{}.option, out.option);
     EXPECT_EQ(0, std::memcmp(&out, std::string(sizeof out, '\0').data(), sizeof out));
     EXPECT_TRUE(syslog_contains("mipc_apn_ia_get_sync attach_apn_list is 0. \n"));
-    EXPECT_TRUE(nkw::test::heap_balanced());
-}
-
-TEST(AttachApn, BadArgumentAndModemFailures) {
-    attach_apn_info info{};
-    EXPECT_EQ(7, nkw_pal_get_attach_apn(nullptr));
-    EXPECT_EQ(-1, nkw_pal_set_attach_apn(nullptr));
-    EXPECT_TRUE(syslog_contains("get attach_apn_info failed for param \n"));
-    EXPECT_TRUE(syslog_contains("set attach_apn_info failed for param \n"));
-    EXPECT_TRUE(mipc_sim::calls_to("mipc_apn_ia_set_sync").empty());
-    const struct {
-        const char *call;
-        mipc_sim::Fault fault;
-        const char *message;
-    } faults[] = {
-        {"mipc_apn_ia_get_sync", mipc_sim::return_value(2), "get_sync failed, api_result=2. \n"},
-        {"mipc_apn_ia_get_sync", mipc_sim::result_code(5), "get_sync result_code=5. \n"},
-        {"mipc_apn_ia_set_sync", mipc_sim::return_value(2), "set_sync failed, api_result=2. \n"},
-        {"mipc_apn_ia_set_sync", mipc_sim::result_code(5), "set_sync result_code=5. \n"},
-    };
-    for (const auto &f : faults) {
-        SCOPED_TRACE(f.message);
-        mipc_sim::fail_next(f.call, f.fault);
-        EXPECT_EQ(-1, std::string(f.call).find("set") != std::string::npos
-                          ? nkw_pal_set_attach_apn(&info)
-                          : nkw_pal_get_attach_apn(&info));
-        EXPECT_TRUE(syslog_contains(f.message));
-    }
-    EXPECT_STREQ("internet", mipc_sim::attach_apns().at(0).apn);  // refused sets change nothing
     EXPECT_TRUE(nkw::test::heap_balanced());
 }
 
@@ -359,12 +270,6 @@ TEST(RegisterInfo, RegisteredFillsAllSearchingClearsEightBytesOthersTouchNothing
         EXPECT_EQ(c.mnc, info.mnc);
         EXPECT_TRUE(syslog_contains(std::string("reg_state.plmn: ") + c.plmn + " \n"));
     }
-    EXPECT_EQ(-1, nkw_pal_get_register_info(nullptr));
-    EXPECT_TRUE(syslog_contains("[platform] get reg_info failed for param \n"));
-    reg_info info{};
-    mipc_sim::fail_next("mipc_nw_register_state_get_sync", mipc_sim::result_code(6));
-    EXPECT_EQ(-1, nkw_pal_get_register_info(&info));
-    EXPECT_TRUE(syslog_contains("nkw_pal_get_register_info failed, result=6 \n"));
 }
 
 TEST(SbpId, ReadFromTheConfirmationOfRequest77WhichStaysUnreleased) {
@@ -393,6 +298,69 @@ TEST(SbpId, ReadFromTheConfirmationOfRequest77WhichStaysUnreleased) {
     }
     mipc_sim::fail_next("mipc_msg_sync_timeout", mipc_sim::no_confirmation());
     EXPECT_EQ(0u, nkw_pal_get_sbp_id());
+}
+
+// Every query: a null argument, a refused call and a non-zero result code,
+// each with its status and line; every heap record is freed on the way.
+TEST(NetworkQueries, BadArgumentsAndModemFailuresGiveTheirStatusAndLine) {
+    const struct {
+        int32_t expected, status;
+        const char *message;
+    } nulls[] = {
+        {7, nkw_pal_get_cellid(nullptr), "get cellid failed for param \n"},
+        {-1, nkw_pal_get_lac(nullptr), "get lac failed for param \n"},
+        {-1, nkw_pal_get_current_dataclass(nullptr), "get current data failed for param \n"},
+        {-1, nkw_pal_get_rssi(nullptr), "get rssi failed for param \n"},
+        {-1, nkw_pal_get_radio_state(nullptr), "get radio state failed for param \n"},
+        {7, nkw_pal_get_attach_apn(nullptr), "get attach_apn_info failed for param \n"},
+        {-1, nkw_pal_set_attach_apn(nullptr), "set attach_apn_info failed for param \n"},
+        {-1, nkw_pal_get_register_info(nullptr), "[platform] get reg_info failed for param \n"},
+    };
+    for (const auto &n : nulls) {
+        EXPECT_EQ(n.expected, n.status) << n.message;
+        EXPECT_TRUE(syslog_contains(n.message)) << n.message;
+    }
+    EXPECT_TRUE(mipc_sim::calls_to("mipc_apn_ia_set_sync").empty());
+
+    uint64_t cellid = 0;
+    uint32_t u32 = 0;
+    uint16_t u16 = 0;
+    attach_apn_info apn{};
+    reg_info reg{};
+    const struct {
+        const char *call;
+        std::function<int32_t()> query;
+        const char *refused, *result;  // lines for return 2 and result code 5
+    } cases[] = {
+        {"mipc_nw_cell_info_get_sync", [&] { return nkw_pal_get_cellid(&cellid); },
+         "get physically id failed for result: 2 \n", "but excute result: 5 \n"},
+        {"mipc_nw_cell_info_get_sync", [&] { return nkw_pal_get_lac(&u32); },
+         "get  physically id failed for result:2 \n", "but excute result:5 \n"},
+        {"mipc_nw_ps_get_sync", [&] { return nkw_pal_get_current_dataclass(&u16); },
+         "get nw_bearer failed for result:2 \n", "but excute result:5 \n"},
+        {"mipc_nw_radio_state_get_sync", [&] { return nkw_pal_get_radio_state(&u32); },
+         "get_sync failed, api_result=2. \n", "radio_state_get_sync result=5. \n"},
+        {"mipc_nw_final_radio_state_set_sync", [] { return nkw_pal_set_radio_state(1); },
+         "set_sync failed, api_result=2. \n", "radio_state_set_sync result=5. \n"},
+        {"mipc_apn_ia_get_sync", [&] { return nkw_pal_get_attach_apn(&apn); },
+         "mipc_apn_ia_get_sync failed, api_result=2. \n", "get_sync result_code=5. \n"},
+        {"mipc_apn_ia_set_sync", [&] { return nkw_pal_set_attach_apn(&apn); },
+         "mipc_apn_ia_set_sync failed, api_result=2. \n", "set_sync result_code=5. \n"},
+        {"mipc_nw_register_state_get_sync", [&] { return nkw_pal_get_register_info(&reg); },
+         "get_register_info failed, result=2 \n", "get_register_info failed, result=5 \n"},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.refused);
+        nkw::test::syslog_clear();
+        mipc_sim::fail_next(c.call, mipc_sim::return_value(2));
+        EXPECT_EQ(-1, c.query());
+        EXPECT_TRUE(syslog_contains(c.refused));
+        mipc_sim::fail_next(c.call, mipc_sim::result_code(5));
+        EXPECT_EQ(-1, c.query());
+        EXPECT_TRUE(syslog_contains(c.result));
+        EXPECT_TRUE(nkw::test::heap_balanced());
+    }
+    EXPECT_STREQ("internet", mipc_sim::attach_apns().at(0).apn);  // refused sets change nothing
 }
 
 }  // namespace

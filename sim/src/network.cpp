@@ -55,10 +55,13 @@ const core::ResetHook kReset([] {
     network() = Network{};
 });
 
-const core::RequestModel kSbpModel(kSbpRequest, [](const Call &) {
-    std::lock_guard<std::mutex> guard(core::state_lock());
-    return std::vector<Tlv>{tlv_u32(0, 0), tlv_u32(kSbpIdTlv, network().sbp_id)};
-});
+const core::RequestModel kSbpModel(
+    kSbpRequest,
+    [](const Call &) {
+        std::lock_guard<std::mutex> guard(core::state_lock());
+        return std::vector<Tlv>{tlv_u32(0, 0), tlv_u32(kSbpIdTlv, network().sbp_id)};
+    },
+    true);
 
 // Caller holds the state lock.
 Registration reported_locked() {

@@ -14,7 +14,7 @@ namespace {
 constexpr int32_t kIndexMax = 255;
 // Result codes the status call gives instead of a status.
 constexpr uint32_t kResultAbsent = 3;  // reads as status code 0
-constexpr uint32_t kResultBusy = 4;    // reads as status code 5
+constexpr uint32_t kResultBusy = 4;    // reads as the code of state 6
 constexpr uint32_t kPinType1 = 1;
 
 }  // namespace
@@ -53,7 +53,7 @@ int32_t nkw_pal_get_sim_status(int32_t index) {
     if (status.result_code != 0) {
         NKW_LOGI(kTag, "mipc_sim_status_get_sync result=%d. \n", status.result_code);
         if (status.result_code == kResultAbsent) return 0;
-        if (status.result_code == kResultBusy) return 5;
+        if (status.result_code == kResultBusy) return nkw::info::kStateCode;
         return nkw::info::kStatusUnknown;
     }
     NKW_LOGI(kTag, "mipc_sim_status_get_sync sim_status=%d. \n", status.sim_status);

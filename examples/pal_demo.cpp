@@ -148,6 +148,27 @@ bool show_gnss_fix() {
     return true;
 }
 
+bool show_sim_and_network() {
+    step("SIM, registration and signal",
+         "  The daemon reads what the simulated modem's SIM and serving network\n"
+         "  report: the SIM status code (0: ready), the IMSI, the packet-service\n"
+         "  registration (1: home), the serving cell id, the signal strength from\n"
+         "  AT+ECSQ in dBm, and the module's IMEI. Each query logs its answer.");
+    char imsi[16] = {};
+    char imei[24] = {};
+    uint32_t registration = 0;
+    uint64_t cellid = 0;
+    int32_t rssi = 0;
+    const int32_t sim_status = nkw_pal_get_sim_status(0);
+    const bool ok = nkw_pal_get_imsi(imsi) == 0 && nkw_pal_get_register_state(&registration) == 0 &&
+                    nkw_pal_get_cellid(&cellid) == 0 && nkw_pal_get_rssi(&rssi) == 0 &&
+                    nkw_pal_get_imei(imei) == 0;
+    std::printf("  SIM status %d, IMSI %s, registration %u, cell %llu, RSSI %d dBm, IMEI %s\n\n",
+                sim_status, imsi, registration, static_cast<unsigned long long>(cellid), rssi,
+                imei);
+    return ok && sim_status == 0;
+}
+
 void close_all() {
     step("close the modem session and the log",
          "  nkw_pal_modem_msg_deinit ends the session; nkw_pal_log_close closes the\n"
@@ -171,6 +192,7 @@ int main() {
     bool ok = answer_modem_command();
     ok = use_at_channel() && ok;
     ok = show_gnss_fix() && ok;
+    ok = show_sim_and_network() && ok;
     close_all();
     return ok ? 0 : 1;
 }

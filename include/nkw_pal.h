@@ -15,6 +15,7 @@
 #include "nkw_pal/connect.h"
 #include "nkw_pal/device.h"
 #include "nkw_pal/diag.h"
+#include "nkw_pal/info.h"
 #include "nkw_pal/location.h"
 #include "nkw_pal/modem.h"
 #include "nkw_pal/os.h"

@@ -24,7 +24,7 @@ constexpr DefaultAnswer kDefaults[] = {
     {"AT+ECSQ", "+ECSQ: 22,99,-280,-440,-340,-52,-120\r\nOK"},
     {"ATI5", "\"NKW5G01\"\r\nOK"},
     {"ATI8", "\"NKW_FW_1.0.0\"\r\nOK"},
-    {"AT+CFSN", "+CFSN: \"NKW03A0001\"\r\nOK"},
+    {"AT+CFSN", "+CFSN: \"NKW0PG0001\"\r\nOK"},
     {"AT+EGMC", "OK"},
 };
 

@@ -1,7 +1,9 @@
 // Raw requests sent with mipc_msg_sync_timeout and their confirmations.
 #include <map>
+#include <set>
 
 #include "core.h"
+#include "model_support.h"
 
 using namespace mipc_sim;
 
@@ -21,6 +23,11 @@ std::map<uint16_t, Confirmer> &models() {
     return instance;
 }
 
+std::set<uint16_t> &kept_ids() {
+    static std::set<uint16_t> instance;
+    return instance;
+}
+
 }  // namespace
 
 extern "C" mipc_msg_t *mipc_msg_sync_timeout(mipc_msg_t *msg_req_ptr) {
@@ -34,6 +41,7 @@ extern "C" mipc_msg_t *mipc_msg_sync_timeout(mipc_msg_t *msg_req_ptr) {
     Fault fault{};
     bool faulted = core::take_fault("mipc_msg_sync_timeout", &fault);
     if (msg_req_ptr == nullptr) return nullptr;
+    if (kept_ids().count(msg_req_ptr->id) != 0) core::keep_for_process(msg_req_ptr);
     if (faulted && fault.kind != Fault::Kind::kResultCode) return nullptr;
 
     std::vector<Tlv> tlvs{tlv_u32(kResultTlv, 0)};
@@ -52,13 +60,16 @@ extern "C" mipc_msg_t *mipc_msg_sync_timeout(mipc_msg_t *msg_req_ptr) {
             if (tlv.type == kResultTlv) tlv = tlv_u32(kResultTlv, fault.value);
         }
     }
-    return make_message(msg_req_ptr->id, msg_req_ptr->ps_id, std::move(tlvs));
+    mipc_msg_t *confirmation = make_message(msg_req_ptr->id, msg_req_ptr->ps_id, std::move(tlvs));
+    if (kept_ids().count(msg_req_ptr->id) != 0) core::keep_for_process(confirmation);
+    return confirmation;
 }
 
 namespace mipc_sim {
 
-core::RequestModel::RequestModel(uint16_t msg_id, Confirmer confirmer) {
+core::RequestModel::RequestModel(uint16_t msg_id, Confirmer confirmer, bool kept) {
     models()[msg_id] = std::move(confirmer);
+    if (kept) kept_ids().insert(msg_id);
 }
 
 void on_request(uint16_t msg_id, Confirmer confirmer) {

@@ -17,8 +17,8 @@ namespace {
 
 constexpr uint32_t kBlock = 128u << 10;
 constexpr char kRam[] = "mtdram test device";
-constexpr char kNandBad[] = "NAND simulator partition 0";   // blocks 3 and 5 bad
-constexpr char kNandGrave[] = "NAND simulator partition 1"; // block 8 unreadable once read
+constexpr char kNandBad[] = "NAND simulator partition 0";    // blocks 3 and 5 bad
+constexpr char kNandGrave[] = "NAND simulator partition 1";  // block 8 unreadable once read
 constexpr char kNand[] = "NAND simulator partition 2";
 constexpr char kRegion[] = "mddata_bak";
 
@@ -118,8 +118,10 @@ TEST(VmMtd, StreamRoundTripSkipsBadBlocks) {
         testing::internal::CaptureStderr();
         std::vector<char> back = stream_read(p, 11 * kBlock);
         std::string read = testing::internal::GetCapturedStderr();
-        for (const std::string &m : c.write_messages) EXPECT_NE(written.find(m), std::string::npos) << written;
-        for (const std::string &m : c.read_messages) EXPECT_NE(read.find(m), std::string::npos) << read;
+        for (const std::string &m : c.write_messages)
+            EXPECT_NE(written.find(m), std::string::npos) << written;
+        for (const std::string &m : c.read_messages)
+            EXPECT_NE(read.find(m), std::string::npos) << read;
         EXPECT_TRUE(std::equal(data.begin(), data.end(), back.begin()));
         EXPECT_EQ(std::vector<char>(back.begin() + data.size(), back.end()),
                   std::vector<char>(back.size() - data.size(), 0));
@@ -174,7 +176,8 @@ TEST(VmMtd, DirectWriteAndErasePreserveNeighbouringBytes) {
                 std::fill(expected.begin() + start, expected.begin() + start + erased, '\xff');
                 uint32_t end = c.offset + c.len;
                 uint32_t kept_to = end + (kBlock - end % kBlock);
-                std::copy(before.begin() + start, before.begin() + kept_to, expected.begin() + start);
+                std::copy(before.begin() + start, before.begin() + kept_to,
+                          expected.begin() + start);
                 if (erase) {
                     std::fill(expected.begin() + c.offset, expected.begin() + end, '\xff');
                     EXPECT_EQ(nkw_mtd_erase_block(p, c.len, c.offset), 0);

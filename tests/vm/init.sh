@@ -26,11 +26,11 @@ load nandsim id_bytes=0x20,0xa1,0x00,0x15 overridesize=7 parts=32,32 badblocks=3
 load phram phram=mddata_bak,0x18000000,0x400000,0x20000
 cat /proc/mtd
 
-if vm_storage_test; then result=passed; else result=failed; fi
+if vm_storage_test --gtest_color=no; then result=passed; else result=failed; fi
 
 if [ ! -f /no-bench ]; then
     echo "=== vm-storage: throughput"
-    bench_mtd_device --benchmark_min_time=0.2 2>&1
+    bench_mtd_device $(cat /bench-args) --benchmark_color=false 2>&1
 fi
 
 echo "=== vm-storage: tests $result"

@@ -54,22 +54,22 @@ cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DNKW_PAL_BUILD_TESTS
     -DNKW_PAL_BUILD_EXAMPLES=OFF -DNKW_PAL_BUILD_BENCH=ON >/dev/null
 cmake --build "$build" --target nkw_pal bench_mtd_device >"$build/build.log" ||
     { cat "$build/build.log"; exit 1; }
-g++ -std=c++17 -O2 -Wall -Werror -Iinclude -o "$build/vm_storage_test" tests/vm/*.cpp \
-    -L"$build/src" -Wl,-rpath,/lib -lnkw_pal -lgtest_main -lgtest -pthread
+g++ -std=c++17 -O2 -Wall -Wextra -Wshadow -Werror -Iinclude -o "$build/vm_storage_test" \
+    tests/vm/*.cpp -L"$build/src" -lnkw_pal -lgtest_main -lgtest -pthread
 
 # The initramfs.
 root=$(mktemp -d)
 trap 'rm -rf "$root"' EXIT
 mkdir -p "$root"/{bin,sbin,lib,lib64,proc,sys,dev,tmp,modules}
 cp "$cache/busybox" "$root/bin/busybox"
-for tool in sh mount umount insmod poweroff cat echo dd sync sleep grep ls mkdir cmp head wc; do
+for tool in sh mount insmod poweroff cat echo dd sync; do
     ln -s busybox "$root/bin/$tool"
 done
 programs=("$build/vm_storage_test" "$build/bench/bench_mtd_device" /usr/sbin/flashcp
     /usr/sbin/nanddump /usr/sbin/flash_erase)
 cp "${programs[@]}" "$root/bin/"
 for lib in $(LD_LIBRARY_PATH="$build/src:$build/sim" ldd "${programs[@]}" 2>/dev/null |
-    awk '/=> \// {print $3} /^\s*\/lib64/ {print $1}' | sort -u); do
+    awk '/=> \// {print $3}' | sort -u); do
     cp -L "$lib" "$root/lib/"
 done
 cp -L /lib64/ld-linux-x86-64.so.2 "$root/lib64/"
@@ -115,7 +115,7 @@ if ! grep -q '=== vm-storage: kernel' "$log" 2>/dev/null; then
     status=$?
 fi
 set -e
-tr -d '\r' <"$log" | sed -n '/=== vm-storage: kernel/,$p' | grep -av '^\[ *[0-9]*\.[0-9]*\]' || true
+tr -d '\r' <"$log" | sed -n 's/.*=== vm-storage: kernel/=== vm-storage: kernel/; /=== vm-storage: kernel/,$p' | grep -av '^\[ *[0-9]*\.[0-9]*\]' || true
 [ $status -eq 124 ] && { echo "vm-storage: FAILED: no report within ${timeout}s"; exit 1; }
 grep -q '^=== vm-storage: tests passed' "$log" || { echo "vm-storage: FAILED"; exit 1; }
 echo "vm-storage: passed"

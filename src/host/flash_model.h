@@ -5,8 +5,9 @@
 // Behaves as NOR-like raw flash behind the MTD character device: erased
 // bytes read 0xFF, programming only clears bits (so unerased blocks keep
 // stale ones), erase works on whole aligned blocks inside the device, seeks
-// stay within [0, size], reads and writes are clipped at the end. Writes of
-// any length are accepted; the write size is only reported.
+// stay within [0, size], reads and writes are clipped at the end. As on NAND
+// a write must begin on a multiple of the write size (EINVAL otherwise); its
+// length is free, a short last page being padded.
 #pragma once
 
 #include <stdint.h>

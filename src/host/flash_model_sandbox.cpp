@@ -172,6 +172,9 @@ ssize_t write(int fd, const void *buf, size_t count) {
     if (device == nullptr || file->access == O_RDONLY) return fail(EBADF);
     if (count == 0) return 0;
     if (file->pos >= static_cast<off_t>(device->size)) return fail(ENOSPC);
+    // NAND programs whole pages: the kernel refuses a write that does not
+    // begin on one (a short last page is padded).
+    if (file->pos % device->write_size != 0) return fail(EINVAL);
     size_t left = device->size - static_cast<size_t>(file->pos);
     if (count > left) count = left;
     uint32_t first = static_cast<uint32_t>(file->pos / device->erase_size);

@@ -66,11 +66,16 @@ TEST_F(BlockTest, RangesKeepTheOtherBytesOfTheirBlocks) {
         {0, kSize, 0, -2},
     };
     // clang-format on
+    // Byte-writable (NOR-like) and page-programmed (NAND-like) devices: on
+    // the latter no write may begin inside a page.
     for (const RangeCase &c : cases) {
-        for (bool erase : {false, true}) {
+        for (int variant = 0; variant < 4; ++variant) {
+            const bool erase = variant & 1;
+            const uint32_t write_size = variant & 2 ? 0x200 : 1;
             const std::string what = (erase ? "erase " : "write ") + std::to_string(c.offset) +
-                                     "+" + std::to_string(c.len);
-            nkw_pal_sim_flash_create(kDevice, kSize, kBlock, 1);
+                                     "+" + std::to_string(c.len) + " page " +
+                                     std::to_string(write_size);
+            nkw_pal_sim_flash_create(kDevice, kSize, kBlock, write_size);
             preload(kDevice, stored_);
             nkw_pal_sim_flash_inject(kDevice, c.offset / kBlock, NKW_SIM_FLASH_ERASE_FAILURE,
                                      c.erase_failures);

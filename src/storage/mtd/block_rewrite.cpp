@@ -5,6 +5,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 
 #include "host/flash.h"
 #include "storage/mtd/mtd.h"
@@ -22,8 +23,9 @@ struct Rewrite {
     uint32_t head;   // bytes kept before the range
     uint64_t end;    // offset + len
     uint32_t tail;   // bytes kept after it; a whole block when `end` is aligned
-    char *head_bytes;
-    char *tail_bytes;
+    // head, range and tail as they go back: whole blocks from `start`, so one
+    // write that begins on a page, which NAND requires of every write.
+    char *image;
     int fd;
 };
 
@@ -40,8 +42,7 @@ Rewrite plan(const nkw_mtd_partition *partition, uint32_t len, uint32_t offset) 
 
 void release(Rewrite &r) {
     if (r.fd >= 0) sys::close(r.fd);
-    std::free(r.head_bytes);
-    std::free(r.tail_bytes);
+    std::free(r.image);
 }
 
 // Saves head and tail, then erases from `start`. The erase length is the
@@ -51,11 +52,14 @@ int save_and_erase(const nkw_mtd_partition *partition, uint32_t len, uint32_t of
                    const char *erase_failure, Rewrite &r) {
     r.fd = mtd::open_device(partition, O_RDWR);
     if (r.fd < 0) return kSetupFailed;
-    r.head_bytes = static_cast<char *>(std::calloc(r.head + 1, 1));
-    r.tail_bytes = static_cast<char *>(std::calloc(r.tail, 1));
-    if (r.head_bytes == nullptr || r.tail_bytes == nullptr) return kSetupFailed;
-    if (mtd::read_range(partition, r.head_bytes, r.head, r.start) != 0 ||
-        mtd::read_range(partition, r.tail_bytes, r.tail, static_cast<int64_t>(r.end)) != 0) {
+    // A range past the end could not have its tail read; refuse it before
+    // sizing the image by it.
+    if (r.end > partition->size) return kReadOrSeek;
+    r.image = static_cast<char *>(std::calloc(size_t{r.head} + len + r.tail, 1));
+    if (r.image == nullptr) return kSetupFailed;
+    if (mtd::read_range(partition, r.image, r.head, r.start) != 0 ||
+        mtd::read_range(partition, r.image + r.head + len, r.tail, static_cast<int64_t>(r.end)) !=
+            0) {
         return kReadOrSeek;
     }
     if (sys::lseek(r.fd, r.start, SEEK_SET) != r.start) return kReadOrSeek;
@@ -65,20 +69,17 @@ int save_and_erase(const nkw_mtd_partition *partition, uint32_t len, uint32_t of
     return retries < 0 ? kEraseOrRange : retries;
 }
 
-bool write_all(int fd, const char *bytes, size_t count) {
-    return sys::write(fd, bytes, count) == static_cast<ssize_t>(count);
+bool write_image(const Rewrite &r, uint32_t len) {
+    const size_t count = size_t{r.head} + len + r.tail;
+    return sys::write(r.fd, r.image, count) == static_cast<ssize_t>(count);
 }
 
 int write_range(const nkw_mtd_partition *partition, const char *data, uint32_t len, uint32_t offset,
                 Rewrite &r) {
     int retries = save_and_erase(partition, len, offset, "mtd: erase failure at 0x%08lx (%s)\n", r);
     if (retries < 0) return retries;
-    if (sys::lseek(r.fd, r.start, SEEK_SET) == r.start) {
-        if (!write_all(r.fd, r.head_bytes, r.head) || !write_all(r.fd, data, len) ||
-            !write_all(r.fd, r.tail_bytes, r.tail)) {
-            return kShortWrite;
-        }
-    }
+    std::memcpy(r.image + r.head, data, len);
+    if (sys::lseek(r.fd, r.start, SEEK_SET) == r.start && !write_image(r, len)) return kShortWrite;
     if (retries > 0) std::fprintf(stderr, "mtd: wrote block after %d retries\n", retries);
     return 0;
 }
@@ -88,10 +89,9 @@ int erase_range(const nkw_mtd_partition *partition, uint32_t len, uint32_t offse
                                  "mtd: tolv_mtd_erase_block erase failure at 0x%08lx (%s)\n", r);
     if (retries < 0) return retries;
     if (sys::lseek(r.fd, r.start, SEEK_SET) != r.start) return kReadOrSeek;
-    if (!write_all(r.fd, r.head_bytes, r.head)) return kShortWrite;
-    // The range itself stays erased.
-    if (sys::lseek(r.fd, len, SEEK_CUR) != static_cast<off_t>(r.end)) return kReadOrSeek;
-    if (!write_all(r.fd, r.tail_bytes, r.tail)) return kShortWrite;
+    // Programming 0xFF leaves the range as erased.
+    std::memset(r.image + r.head, 0xFF, len);
+    if (!write_image(r, len)) return kShortWrite;
     return 0;
 }
 

@@ -17,8 +17,10 @@ struct nkw_pal_i2c_handle {
     uint32_t i2c_slave_addr;
     uint32_t i2c_address_width;
     nkw_pal_i2c_irq_cb callback;
-    // Posted by the interrupt thread as it ends, so that close frees the
-    // record only once nothing runs on it.
+    // Posted by the interrupt thread once it takes cancellation only in its
+    // receive, and as it ends, so that close frees the record only once
+    // nothing runs on it.
+    sem_t irq_running;
     sem_t irq_stopped;
 };
 

@@ -31,6 +31,7 @@ void *nkw_pal_i2c_irq_thread_cb(void *param) {
     int previous = 0;
     pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &previous);
     pthread_cleanup_push(mark_stopped, handle);
+    sem_post(&handle->irq_running);
     for (;;) {
         char received[kReceiveMax] = {};
         char text[kTextMax + 1] = {};
@@ -44,7 +45,8 @@ void *nkw_pal_i2c_irq_thread_cb(void *param) {
                        reinterpret_cast<sockaddr *>(&source), &source_len);
         pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &previous);
 
-        handle->callback();
+        // A handle without a callback (allowed outside master mode) only logs.
+        if (handle->callback != nullptr) handle->callback();
         std::memcpy(text, received + kHeader, kTextMax);
         NKW_LOGI(kTag, "i2c irq receive kernel message: %s \n", text);
     }

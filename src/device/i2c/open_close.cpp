@@ -83,15 +83,21 @@ nkw_pal_i2c_handle *nkw_pal_i2c_open(const nkw_pal_i2c_cfg *p_cfg, nkw_pal_i2c_i
         return nullptr;
     }
     handle->callback = callback;
+    sem_init(&handle->irq_running, 0, 0);
     sem_init(&handle->irq_stopped, 0, 0);
     ret = nkw_pal_thread_create(&handle->irq_thread, "i2c_irq_th", nullptr,
                                 nkw_pal_i2c_irq_thread_cb, handle.get());
     if (ret != 0) {
         NKW_LOGE(kTag, "i2c irq thread create failed %d \n", ret);
+        sem_destroy(&handle->irq_running);
         sem_destroy(&handle->irq_stopped);
         close(handle->mail_fd);
         host::close(handle->i2c_fd);
         return nullptr;
+    }
+    // Until the thread runs, a close could cancel it before it can report
+    // its end.
+    while (sem_wait(&handle->irq_running) != 0) {
     }
     NKW_LOGI(kTag, "i2c open success \n");
     return handle.release();
@@ -106,8 +112,10 @@ int32_t nkw_pal_i2c_close(nkw_pal_i2c_handle *handle) {
         NKW_LOGE(kTag, "i2c close failed \n");
         return NKW_PAL_I2C_CLOSE_FAILED;
     }
-    close(handle->mail_fd);
+    // The thread goes first: a receive on an already closed socket would
+    // return at once and call back without a message.
     if (nkw_pal_thread_delete(&handle->irq_thread) != 0) {
+        close(handle->mail_fd);
         NKW_LOGE(kTag, "i2c thread delete failed \n");
         return NKW_PAL_I2C_CLOSE_FAILED;
     }
@@ -115,6 +123,8 @@ int32_t nkw_pal_i2c_close(nkw_pal_i2c_handle *handle) {
     // left, so that no callback runs once close has returned.
     while (sem_wait(&handle->irq_stopped) != 0) {
     }
+    close(handle->mail_fd);
+    sem_destroy(&handle->irq_running);
     sem_destroy(&handle->irq_stopped);
     nkw::HeapRecord<nkw_pal_i2c_handle>::adopt(handle).reset();
     NKW_LOGI(kTag, "i2c_close success \n");

@@ -31,8 +31,8 @@ extern "C" int LLVMFuzzerInitialize(int *, char ***) {
     symlink("/bin/true", (root + "/bin/rm").c_str());
     symlink("/bin/true", (root + "/bin/touch").c_str());
     for (int n = 1; n <= 8; ++n) {
-        std::fclose(std::fopen((root + "/data/tolv_offline_log" + std::to_string(n) + ".log").c_str(),
-                               "w"));
+        std::fclose(std::fopen(
+            (root + "/data/tolv_offline_log" + std::to_string(n) + ".log").c_str(), "w"));
     }
     g_record = root + "/data/tolv_offline_log_record.log";
     mipc_sim::set_nvram_item(0xE11D, {1, 1});  // NV item 34: on, every minute

@@ -106,10 +106,10 @@ NKW_PAL_API int32_t nkw_pal_rng_generate(unsigned char *buf, unsigned int len);
  */
 
 enum {
-    NKW_PAL_I2C_BAD_ARG = 1402,       /* null handle or buffer, or too long */
-    NKW_PAL_I2C_CLOSE_FAILED = 1404,  /* the device or the thread could not be closed */
-    NKW_PAL_I2C_READ_FAILED = 1405,   /* the read transfer failed */
-    NKW_PAL_I2C_WRITE_FAILED = 1406   /* the write transfer failed */
+    NKW_PAL_I2C_BAD_ARG = 1402,      /* null handle or buffer, or too long */
+    NKW_PAL_I2C_CLOSE_FAILED = 1404, /* the device or the thread could not be closed */
+    NKW_PAL_I2C_READ_FAILED = 1405,  /* the read transfer failed */
+    NKW_PAL_I2C_WRITE_FAILED = 1406  /* the write transfer failed */
 };
 
 /* Longest transfer a handle accepts. */

@@ -3,8 +3,9 @@
 // make the next read or write of a node fail.
 #pragma once
 
-#include <cstdio>
 #include <sys/types.h>
+
+#include <cstdio>
 
 namespace nkw::host::device_control {
 

@@ -23,7 +23,7 @@ namespace {
 constexpr int kMaxSlaves = 8;
 constexpr int kMaxOpen = 8;
 constexpr size_t kRegisters = 256;
-constexpr uint32_t kMaxMessages = 42;   // I2C_RDWR_IOCTL_MAX_MSGS
+constexpr uint32_t kMaxMessages = 42;  // I2C_RDWR_IOCTL_MAX_MSGS
 constexpr uint16_t kMaxMessageLen = 8192;
 constexpr unsigned long kMax7Bit = 0x7F;
 constexpr unsigned long kMax10Bit = 0x3FF;

@@ -45,8 +45,10 @@ TEST(ModuleControl, ResetSimPicksTheStackAndJudgesCallAndResult) {
     for (const auto &c : cases) {
         mipc_sim::reset();
         std::string fault = c.fault;
-        if (fault == "return") mipc_sim::fail_next("mipc_sim_reset_set_sync", mipc_sim::return_value(3));
-        if (fault == "result") mipc_sim::fail_next("mipc_sim_reset_set_sync", mipc_sim::result_code(9));
+        if (fault == "return")
+            mipc_sim::fail_next("mipc_sim_reset_set_sync", mipc_sim::return_value(3));
+        if (fault == "result")
+            mipc_sim::fail_next("mipc_sim_reset_set_sync", mipc_sim::result_code(9));
         EXPECT_EQ(c.status, nkw_pal_resetSIM(c.sim)) << int(c.sim) << fault;
         auto calls = mipc_sim::calls_to("mipc_sim_reset_set_sync");
         ASSERT_EQ(1u, calls.size());
@@ -106,8 +108,8 @@ TEST(ModuleControl, DualIpcModeTakesTheFirstLineWhoseKeyPrefixesTheName) {
         {"dual_ipc_mode:7\n", 5},
         {"dual_ipc_mode:0\n", 5},
         {"dual_ipc_mode\nother:1\ndual_ipc_mode:3\n", 3},  // no ":" skipped
-        {"dual:4\ndual_ipc_mode:1\n", 4},                   // abbreviated key matches
-        {"dual_ipc_mode_x:1\ndual_ipc_mode:\n", 5},         // neither line qualifies
+        {"dual:4\ndual_ipc_mode:1\n", 4},                  // abbreviated key matches
+        {"dual_ipc_mode_x:1\ndual_ipc_mode:\n", 5},        // neither line qualifies
         {"", 5},
     };
     for (const auto &c : cases) {
@@ -235,9 +237,17 @@ TEST(ModuleControl, SarSwitchesOnlyWhenAnItemEnablesIt) {
          "sar dont enable,nothing to do \n"},
         {mipc_sim::sar_item(3, 1, 36), {}, "", 0, true, "sar_index=6 switch success \n"},
         {{}, mipc_sim::sar_item(0xFFFF, 1, 52), "", 0, true, "sar_index=6 switch success \n"},
-        {mipc_sim::sar_item(3, 1, 36), {}, "tolvaro_mipc_sys_sar_set_async", -1, false,
+        {mipc_sim::sar_item(3, 1, 36),
+         {},
+         "tolvaro_mipc_sys_sar_set_async",
+         -1,
+         false,
          "sar_index=6 switch failed \n"},
-        {mipc_sim::sar_item(3, 1, 36), {}, "mipc_sys_nvram_read_sync", -1, false,
+        {mipc_sim::sar_item(3, 1, 36),
+         {},
+         "mipc_sys_nvram_read_sync",
+         -1,
+         false,
          "bodysar nvram read failed \n"},
     };
     for (const auto &c : cases) {

@@ -163,12 +163,9 @@ TEST_F(I2c, TransfersReachTheSlaveAndAreBoundedAt5121) {
         int fail;  // errno of a failing transfer, or 0
         int read_status, write_status;
     } cases[] = {
-        {h, big.data(), 5121, 0, 0, 0},
-        {h, big.data(), 0, 0, 0, 0},
-        {h, big.data(), 5122, 0, 1402, 1402},
-        {nullptr, big.data(), 1, 0, 1402, 1402},
-        {h, nullptr, 1, 0, 1402, 1402},
-        {h, big.data(), 1, EREMOTEIO, 1405, 1406},
+        {h, big.data(), 5121, 0, 0, 0},       {h, big.data(), 0, 0, 0, 0},
+        {h, big.data(), 5122, 0, 1402, 1402}, {nullptr, big.data(), 1, 0, 1402, 1402},
+        {h, nullptr, 1, 0, 1402, 1402},       {h, big.data(), 1, EREMOTEIO, 1405, 1406},
     };
     for (const auto &c : cases) {
         nkw_pal_sandbox_i2c_fail_next(kFailTransfer, c.fail);

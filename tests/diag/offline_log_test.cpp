@@ -87,10 +87,10 @@ TEST_F(OfflineLog, RestoreContinuesTheRotationFromTheRecord) {
         int next_file;  // written by the first tick
     } cases[] = {
         {record_of(5), 6},
-        {record_of(8), 1},                          // after 8 comes 1
-        {"current_log_file:3", 4},                  // short record, key first
+        {record_of(8), 1},                                  // after 8 comes 1
+        {"current_log_file:3", 4},                          // short record, key first
         {std::string(17, '.') + "4current_log_file:2", 5},  // position 17, not the key's
-        {"xcurrent_log_file:3", 1},                          // ':' - '0' + 1 is past 8
+        {"xcurrent_log_file:3", 1},                         // ':' - '0' + 1 is past 8
     };
     for (const auto &c : cases) {
         Sandbox &box = Sandbox::current();

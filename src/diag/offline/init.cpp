@@ -49,8 +49,8 @@ extern "C" {
 
 int32_t nkw_pal_offline_log_init(void) {
     Config config{};
-    const int ret = nkw_pal_nvm_read(kConfigItem, reinterpret_cast<unsigned char *>(&config),
-                                     sizeof config);
+    const int ret =
+        nkw_pal_nvm_read(kConfigItem, reinterpret_cast<unsigned char *>(&config), sizeof config);
     if (ret != 0) {
         NKW_LOGE(kTag, "offline_log modem nv read failed, ret = %d \n", ret);
         return -1;

@@ -126,7 +126,12 @@ typedef struct nkw_pal_i2c_handle nkw_pal_i2c_handle;
 /* Called on the interrupt thread after every receive on the mail socket. */
 typedef void (*nkw_pal_i2c_irq_cb)(void);
 
-/* Opens the device for one slave and starts the interrupt thread; NULL on failure. */
+/*
+ * Opens the device for one slave and starts the interrupt thread; NULL on
+ * failure. The slave address is set before 10-bit mode, so the kernel holds
+ * it to the 7-bit range (up to 0x7F) even with an address width of 1, and
+ * transfers carry no 10-bit flag.
+ */
 NKW_PAL_API nkw_pal_i2c_handle *nkw_pal_i2c_open(const nkw_pal_i2c_cfg *p_cfg,
                                                  nkw_pal_i2c_irq_cb callback);
 /* Closes the device and the mail socket and ends the thread. 0, 1402 or 1404. */

@@ -1,5 +1,7 @@
 // Module control: SIM reset, reboot, below-OS check, IPC mode, interrupt
 // pins, USB power-down, SAR switch, random bytes and node access.
+#include "device/control/control.h"
+
 #include <gtest/gtest.h>
 
 #include <cerrno>
@@ -223,6 +225,15 @@ TEST(ModuleControl, DisableUsbRunsItsStepsInOrderThenTheModeBranch) {
         EXPECT_TRUE(syslog_contains(f.log)) << f.log;
     }
     EXPECT_EQ(4u, box.commands().size());
+
+    // The completion complains only about an empty answer.
+    signed char ok[] = "OK";
+    nkw::test::syslog_clear();
+    nkw_pal_disable_usb_cb(ok, 2);
+    nkw_pal_disable_usb_cb(nullptr, 1);
+    EXPECT_FALSE(syslog_contains("disable_usb_cb failed"));
+    nkw_pal_disable_usb_cb(nullptr, 0);
+    EXPECT_TRUE(syslog_contains("[platform] disable_usb_cb failed! \n"));
 }
 
 TEST(ModuleControl, SarSwitchesOnlyWhenAnItemEnablesIt) {

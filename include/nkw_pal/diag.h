@@ -71,6 +71,17 @@ NKW_PAL_API int32_t nkw_pal_logt(const char *tag, const char *format, ...)
 /* Folds any status into 0 (for 0) or 1 (anything else). */
 NKW_PAL_API int32_t nkw_pal_err_code_convert(int32_t code);
 
+/* ---- Offline log capture ---------------------------------------------------
+ * When NV item 34 enables it, the system log is dumped every few minutes
+ * into eight rotating files under /data that survive a reboot. Tag LOG.
+ */
+
+/* Reads the switch, prepares or restores the files and starts the timer.
+ * 0 (also when disabled) or -1. */
+NKW_PAL_API int32_t nkw_pal_offline_log_init(void);
+/* The timer routine: dumps the log into the next file and records it. */
+NKW_PAL_API void nkw_pal_offline_log_timeout_callback(void);
+
 NKW_PAL_END_DECLS
 
 #endif /* NKW_PAL_DIAG_H */

@@ -26,12 +26,6 @@ bool bytes_of_hex(std::vector<uint8_t> &bytes) {
     return true;
 }
 
-std::string hex_of(const uint8_t *bytes, size_t count) {
-    std::vector<char> out(count * 2 + 1, '\0');
-    nkw_pal_bin2hex(bytes, count, out.data(), out.size());
-    return text_of(out.data(), out.size());
-}
-
 int base64(const Options &options) {
     // Slack beyond the expected length: the decoder may place its zero there.
     std::vector<uint8_t> out(input.size() * 3 / 4 + 2, 0);

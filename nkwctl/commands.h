@@ -18,5 +18,8 @@ void add_device(CLI::App &app, Action &action);
 void add_sim(CLI::App &app, Action &action);
 void add_net(CLI::App &app, Action &action);
 void add_codec(CLI::App &app, Action &action);
+void add_nv(CLI::App &app, Action &action);
+void add_at(CLI::App &app, Action &action);
+void add_sms(CLI::App &app, Action &action);
 
 }  // namespace nkwctl

@@ -1,8 +1,11 @@
 #include "output.h"
 
+#include <nkw_pal.h>
+
 #include <cstdio>
 #include <iostream>
 #include <nlohmann/json.hpp>
+#include <vector>
 
 namespace nkwctl {
 
@@ -70,6 +73,12 @@ std::string text_of(const char *buf, size_t size) {
     size_t n = 0;
     while (n < size && buf[n] != '\0') ++n;
     return std::string(buf, n);
+}
+
+std::string hex_of(const uint8_t *bytes, size_t count) {
+    std::vector<char> out(count * 2 + 1, '\0');
+    nkw_pal_bin2hex(bytes, count, out.data(), out.size());
+    return text_of(out.data(), out.size());
 }
 
 }  // namespace nkwctl

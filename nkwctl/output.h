@@ -41,4 +41,7 @@ int fail(const std::string &what, int64_t status, const std::string &reason);
 // A text buffer handed to the library zero-filled (its texts need not end in a NUL).
 std::string text_of(const char *buf, size_t size);
 
+// Upper-case hex of `count` bytes, as the library writes it.
+std::string hex_of(const uint8_t *bytes, size_t count);
+
 }  // namespace nkwctl

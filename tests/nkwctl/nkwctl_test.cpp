@@ -55,6 +55,8 @@ TEST(Nkwctl, KeyLinesOfEachGroup) {
          "net.apn.roaming_pdp_type : 0\nnet.apn.auth_type : 0\n",
          ""},
         {"-K sim slot", 0, "sim.slot : 0\n", ""},
+        {"-K at ATI", 0, "at.command : ATI\nat.response : OK\n", ""},
+        {"-K at --async ATI", 0, "at.command : ATI\nat.response : OK\n", ""},
         // The simulated modem holds no PID/VID item: the rest is still shown.
         {"-K device", 1,
          "device.imei : 350000000000017\ndevice.model : QV770K-XB\ndevice.chip_type : NKW5G01\n"
@@ -71,6 +73,30 @@ TEST(Nkwctl, KeyLinesOfEachGroup) {
         EXPECT_EQ(c.out, run.out);
         EXPECT_EQ(c.err, run.err);
     }
+}
+
+TEST(Nkwctl, NvItemWrittenThenReadBackInTheSandbox) {
+    nkw::test::Sandbox::current().write_file("/data/.keep", "");  // the module's /data exists
+    EXPECT_NE(std::string::npos, nkwctl("-K nv list")
+                                     .out.find("nv.1.lid : 57853\nnv.1.position : 1\nnv.2.lid : 0\n"
+                                               "nv.2.position : 0\nnv.2.file : test.txt\n"));
+    const struct {
+        const char *args;
+        const char *out;
+    } steps[] = {
+        {"-K nv exists 2", "nv.2.exists : 0\n"},        {"-K nv write 2 --text hello", ""},
+        {"-K nv exists 2", "nv.2.exists : 1\n"},        {"-K nv size 2", "nv.2.size : 5\n"},
+        {"-K nv read 2 --text", "nv.2.text : hello\n"}, {"-K nv write 2 00ff10", ""},
+        {"-K nv read 2", "nv.2.hex : 00FF10\n"},
+    };
+    for (const auto &step : steps) {
+        SCOPED_TRACE(step.args);
+        const Outcome run = nkwctl(step.args);
+        EXPECT_EQ(0, run.status) << run.err;
+        EXPECT_EQ(step.out, run.out);
+    }
+    EXPECT_EQ(std::string("\x00\xff\x10", 3),
+              nkw::test::Sandbox::current().read_file("/data/quarn/test.txt"));
 }
 
 TEST(Nkwctl, JsonNestsTheDottedKeys) {
@@ -115,6 +141,10 @@ TEST(Nkwctl, RefusedInputsExitWithOneAndAReason) {
         {"codec bcd zz", "codec failed: status -1: expected hex digits only"},
         {"codec bcd 1f", "codec bcd failed: status -1"},
         {"codec base64 abc", "codec base64 failed: status -1"},
+        {"nv read 38", "nv read failed: status 710"},
+        {"nv size 1", "nv size failed: status 714"},
+        {"nv write 2 abc", "expected an even number of hex digits"},
+        {"sms read 7", "sms read failed: status -1"},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.args);

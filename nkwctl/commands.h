@@ -21,5 +21,7 @@ void add_codec(CLI::App &app, Action &action);
 void add_nv(CLI::App &app, Action &action);
 void add_at(CLI::App &app, Action &action);
 void add_sms(CLI::App &app, Action &action);
+void add_data(CLI::App &app, Action &action);
+void add_monitor(CLI::App &app, Action &action);
 
 }  // namespace nkwctl

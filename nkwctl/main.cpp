@@ -26,7 +26,9 @@ int main(int argc, char **argv) {
     nkwctl::add_device(app, action);
     nkwctl::add_sim(app, action);
     nkwctl::add_net(app, action);
+    nkwctl::add_data(app, action);
     nkwctl::add_sms(app, action);
+    nkwctl::add_monitor(app, action);
     nkwctl::add_nv(app, action);
     nkwctl::add_at(app, action);
     nkwctl::add_codec(app, action);

@@ -99,6 +99,30 @@ TEST(Nkwctl, NvItemWrittenThenReadBackInTheSandbox) {
               nkw::test::Sandbox::current().read_file("/data/quarn/test.txt"));
 }
 
+TEST(Nkwctl, TrafficCountersOfAnInterface) {
+    const nkw::test::Sandbox &box = nkw::test::Sandbox::current();
+    box.write_file("/sys/devices/virtual/net/ccmni0/statistics/rx_bytes", "4294967295\n");
+    box.write_file("/sys/devices/virtual/net/ccmni0/statistics/tx_bytes", "1234\n");
+    const Outcome run = nkwctl("-J data traffic ccmni0");
+    EXPECT_EQ(0, run.status);
+    EXPECT_EQ(
+        "{\n  \"data\": {\n    \"ccmni0\": {\n      \"rx_bytes\": 4294967295,\n"
+        "      \"tx_bytes\": 1234\n    }\n  }\n}\n",
+        run.out);
+    EXPECT_EQ(1, nkwctl("data traffic ccmni1").status);
+}
+
+TEST(Nkwctl, MonitorEndsCleanlyOnItsTimeOrAnInterrupt) {
+    EXPECT_EQ(0, nkwctl("-J monitor --seconds 1").status);
+    const std::string root = nkw::test::Sandbox::current().root();
+    const std::string line = std::string("(") + NKW_PAL_NKWCTL + " monitor >" + root +
+                             "/m.out 2>&1 & pid=$!; sleep 0.5; kill -INT $pid; wait $pid)";
+    const int raw = std::system(line.c_str());
+    ASSERT_TRUE(WIFEXITED(raw));
+    EXPECT_EQ(0, WEXITSTATUS(raw));
+    EXPECT_EQ("", slurp(root + "/m.out"));
+}
+
 TEST(Nkwctl, JsonNestsTheDottedKeys) {
     const Outcome run = nkwctl("-J sim status");
     EXPECT_EQ(0, run.status);
@@ -145,6 +169,9 @@ TEST(Nkwctl, RefusedInputsExitWithOneAndAReason) {
         {"nv size 1", "nv size failed: status 714"},
         {"nv write 2 abc", "expected an even number of hex digits"},
         {"sms read 7", "sms read failed: status -1"},
+        {"data connect", "APN"},
+        {"data query 300", "ID"},
+        {"data traffic", "IFNAME"},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.args);

@@ -37,6 +37,10 @@ int show(const Options &options) {
         return fail("net radio", status, "the modem did not answer");
     report.number("net.radio", radio);
     report.number("net.sbp_id", nkw_pal_get_sbp_id());
+    uint32_t ps_state = 0;
+    if ((status = nkw_pal_get_register_state(&ps_state)) != 0)
+        return fail("net registration state", status, "the modem did not answer");
+    report.number("net.ps_state", ps_state);
     report.print(options);
     return 0;
 }
@@ -64,6 +68,21 @@ void add_net(CLI::App &app, Action &action) {
         if (!action.run) action.run = show;
     });
     net->add_subcommand("apn", "the initial-attach APN")->callback([&action] { action.run = apn; });
+
+    // Packet-service attach and detach: the modem's values 1 and 0.
+    for (const auto &[name, ps_state] :
+         {std::pair<const char *, int32_t>{"attach", 1}, {"detach", 0}}) {
+        const int32_t wanted = ps_state;
+        net->add_subcommand(name, "packet-service attach (1) or detach (0)")
+            ->callback([&action, wanted] {
+                action.run = [wanted](const Options &) {
+                    const int32_t result = nkw_pal_ps_attach(wanted);
+                    return result == 0
+                               ? 0
+                               : fail("net attach", result, "the modem did not reach the state");
+                };
+            });
+    }
 
     auto *radio = net->add_subcommand("radio", "switch the radio on (1) or off (0)");
     static int32_t state = 0;

@@ -48,13 +48,15 @@ TEST(Nkwctl, KeyLinesOfEachGroup) {
          ""},
         {"-K net", 0,
          "net.operator : Test Network\nnet.mcc : 1\nnet.mnc : 1\nnet.cell_id : 1715004\n"
-         "net.lac : 4660\nnet.dataclass : 1\nnet.rssi : -70\nnet.radio : 1\nnet.sbp_id : 8\n",
+         "net.lac : 4660\nnet.dataclass : 1\nnet.rssi : -70\nnet.radio : 1\nnet.sbp_id : "
+         "8\nnet.ps_state : 1\n",
          ""},
         {"-K net apn", 0,
          "net.apn.name : internet\nnet.apn.username : \nnet.apn.password : \nnet.apn.pdp_type : 0\n"
          "net.apn.roaming_pdp_type : 0\nnet.apn.auth_type : 0\n",
          ""},
         {"-K sim slot", 0, "sim.slot : 0\n", ""},
+        {"-K net detach", 0, "", ""},
         {"-K at ATI", 0, "at.command : ATI\nat.response : OK\n", ""},
         {"-K at --async ATI", 0, "at.command : ATI\nat.response : OK\n", ""},
         // The simulated modem holds no PID/VID item: the rest is still shown.

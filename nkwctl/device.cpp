@@ -1,20 +1,13 @@
 // device: the module's own identity.
 #include <nkw_pal.h>
 
+#include <iterator>
+
 #include "commands.h"
 
 namespace nkwctl {
 
 namespace {
-
-constexpr size_t kText = 128;
-using Getter = int32_t (*)(char *);
-
-struct TextItem {
-    const char *key;
-    Getter get;
-    bool personal;
-};
 
 constexpr TextItem kItems[] = {
     {"device.imei", nkw_pal_get_imei, true},
@@ -27,17 +20,7 @@ constexpr TextItem kItems[] = {
 
 int show(const Options &options) {
     Report report;
-    int failed = 0;
-    for (const TextItem &item : kItems) {
-        char buf[kText] = {};
-        const int32_t status = item.get(buf);
-        // One missing item does not hide the others; the exit status tells.
-        if (status != 0) {
-            failed = fail(item.key, status, "the modem did not answer");
-            continue;
-        }
-        report.text(item.key, text_of(buf, sizeof buf), item.personal);
-    }
+    const int failed = add_texts(report, kItems, std::size(kItems));
     report.number("device.sim_cd", nkw_pal_get_sim_cd_state());
     report.print(options);
     return failed;

@@ -75,6 +75,21 @@ std::string text_of(const char *buf, size_t size) {
     return std::string(buf, n);
 }
 
+int add_texts(Report &report, const TextItem *items, size_t count) {
+    constexpr size_t kText = 128;  // above every identity text the library writes
+    int failed = 0;
+    for (size_t i = 0; i < count; ++i) {
+        char buf[kText] = {};
+        const int32_t status = items[i].get(buf);
+        if (status != 0) {
+            failed = fail(items[i].key, status, "the modem did not answer");
+            continue;
+        }
+        report.text(items[i].key, text_of(buf, sizeof buf), items[i].personal);
+    }
+    return failed;
+}
+
 std::string hex_of(const uint8_t *bytes, size_t count) {
     std::vector<char> out(count * 2 + 1, '\0');
     nkw_pal_bin2hex(bytes, count, out.data(), out.size());

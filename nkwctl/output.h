@@ -34,6 +34,17 @@ class Report {
     std::vector<Field> fields_;
 };
 
+// A text the library writes into a caller's buffer.
+struct TextItem {
+    const char *key;
+    int32_t (*get)(char *);
+    bool personal;
+};
+
+// Adds every item that reads; one that fails is reported on standard error
+// without hiding the others. Returns the exit status (1 when any failed).
+int add_texts(Report &report, const TextItem *items, size_t count);
+
 // Prints "<what> failed: status <status>: <reason>" on standard error; the
 // tool's exit status for a failure.
 int fail(const std::string &what, int64_t status, const std::string &reason);

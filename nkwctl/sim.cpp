@@ -1,21 +1,16 @@
 // sim: status of both SIMs, identity of the active one, slot and PIN entry.
 #include <nkw_pal.h>
 
+#include <iterator>
+
 #include "commands.h"
 
 namespace nkwctl {
 
 namespace {
 
-constexpr size_t kText = 128;
 constexpr int32_t kSimCount = 2;
 constexpr int32_t kNoSlot = 255;
-
-struct TextItem {
-    const char *key;
-    int32_t (*get)(char *);
-    bool personal;
-};
 
 constexpr TextItem kIdentity[] = {
     {"sim.imsi", nkw_pal_get_imsi, true},     {"sim.iccid", nkw_pal_get_iccid, true},
@@ -25,21 +20,11 @@ constexpr TextItem kIdentity[] = {
 
 int status(const Options &options) {
     Report report;
-    int failed = 0;
     for (int32_t i = 0; i < kSimCount; ++i) {
         report.number("sim." + std::to_string(i) + ".status", nkw_pal_get_sim_status(i));
     }
     report.number("sim.slot", nkw_pal_get_current_sim_slot());
-    for (const TextItem &item : kIdentity) {
-        char buf[kText] = {};
-        const int32_t result = item.get(buf);
-        // One missing item does not hide the others; the exit status tells.
-        if (result != 0) {
-            failed = fail(item.key, result, "the modem did not answer");
-            continue;
-        }
-        report.text(item.key, text_of(buf, sizeof buf), item.personal);
-    }
+    const int failed = add_texts(report, kIdentity, std::size(kIdentity));
     report.print(options);
     return failed;
 }

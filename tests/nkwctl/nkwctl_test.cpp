@@ -57,6 +57,10 @@ TEST(Nkwctl, KeyLinesOfEachGroup) {
          ""},
         {"-K sim slot", 0, "sim.slot : 0\n", ""},
         {"-K net detach", 0, "", ""},
+        {"-K sim pin 1234", 0, "", ""},
+        {"-K sim pin 0000", 1, "", "sim pin failed: status -1: the SIM refused the PIN\n"},
+        {"-K sim slot 1", 0, "", ""},
+        {"-K net radio 0", 0, "", ""},
         {"-K at ATI", 0, "at.command : ATI\nat.response : OK\n", ""},
         {"-K at --async ATI", 0, "at.command : ATI\nat.response : OK\n", ""},
         // The simulated modem holds no PID/VID item: the rest is still shown.
@@ -123,6 +127,14 @@ TEST(Nkwctl, MonitorEndsCleanlyOnItsTimeOrAnInterrupt) {
     ASSERT_TRUE(WIFEXITED(raw));
     EXPECT_EQ(0, WEXITSTATUS(raw));
     EXPECT_EQ("", slurp(root + "/m.out"));
+}
+
+TEST(Nkwctl, PeopleSeeAlignedColumns) {
+    EXPECT_EQ(
+        "sim.0.status  0\nsim.1.status  5\nsim.slot      0\nsim.imsi      ********\n"
+        "sim.iccid     ********\nsim.eid       ********\nsim.mcc       001\nsim.mnc       01\n",
+        nkwctl("--hide-personal sim status").out);
+    EXPECT_EQ("codec.text  123456789\n", nkwctl("codec bcd 21436587f9").out);
 }
 
 TEST(Nkwctl, JsonNestsTheDottedKeys) {

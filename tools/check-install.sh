@@ -9,7 +9,7 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 source tools/deps.sh
-packages=("${BUILD_PACKAGES[@]}")
+packages=("${BUILD_PACKAGES[@]}" libcli11-dev nlohmann-json3-dev)
 [ "${CROSS:-1}" = 1 ] && packages+=(g++-aarch64-linux-gnu file)
 need_packages "${packages[@]}"
 
@@ -27,6 +27,9 @@ prefix=$work/prefix
 libdir=$(pkg-config --variable=libdir "$prefix/lib/pkgconfig/nkw_pal.pc" 2>/dev/null ||
     echo "$prefix/lib")
 export PKG_CONFIG_PATH=$libdir/pkgconfig
+
+step "nkwctl installed beside the library finds it on its own"
+[ "$("$prefix/bin/nkwctl" -K codec bcd 21436587f9)" = "codec.text : 123456789" ]
 
 # The consumer must not find anything of the build tree or the sources.
 cp tools/consumer/main.c tools/consumer/CMakeLists.txt "$work/"

@@ -5,7 +5,7 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 source tools/deps.sh
-need_packages "${BUILD_PACKAGES[@]}" libgtest-dev libgmock-dev
+need_packages "${BUILD_PACKAGES[@]}" libgtest-dev libgmock-dev libcli11-dev nlohmann-json3-dev
 
 build=${BUILD_DIR:-build}
 cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE="${BUILD_TYPE:-Debug}" \

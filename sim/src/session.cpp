@@ -1,5 +1,9 @@
 // mipc_init / mipc_deinit.
+#include <cstdio>
+#include <cstdlib>
+
 #include "core.h"
+#include "mipc_sim_scenario.h"
 
 namespace {
 
@@ -23,6 +27,16 @@ extern "C" mipc_result_enum mipc_init(const char *process_name_ptr) {
     core::record({"mipc_init", -1, 0, client, 0, {}});
     Fault fault{};
     if (core::take_fault("mipc_init", &fault)) return static_cast<mipc_result_enum>(fault.value);
+    // A scenario that cannot be applied fails the session: running on
+    // defaults instead would hide the mistake from whoever wrote it.
+    if (const char *scenario = std::getenv(kScenarioEnv);
+        scenario != nullptr && *scenario != '\0') {
+        std::string error;
+        if (!load_scenario(scenario, &error)) {
+            std::fprintf(stderr, "mipc_sim: scenario refused: %s\n", error.c_str());
+            return MIPC_RESULT_FAILURE;
+        }
+    }
     std::lock_guard<std::mutex> guard(core::state_lock());
     session().open = true;
     session().client = client;

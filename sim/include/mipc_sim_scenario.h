@@ -14,6 +14,9 @@ inline constexpr const char *kScenarioEnv = "NKW_PAL_SIM_SCENARIO";
 // wrong and what was expected there.
 bool load_scenario(const std::string &path, std::string *error);
 
+// Checks a scenario document without applying it; `error` as above, without the path.
+bool check_scenario(const std::string &text, std::string *error);
+
 // Applies one timeline event (a JSON object) now, as if its time had come.
 bool apply_event(const std::string &event, std::string *error);
 

@@ -289,10 +289,14 @@ bool check_at_reply(const json &at, const std::string &where, Problem *problem) 
 
 bool check_event(const json &event, const std::string &where, Problem *problem);
 
+constexpr double kLatestEvent = 1e6;
+
 bool check_timed_event(const json &event, const std::string &where, Problem *problem) {
     if (!event.is_object()) return fail(problem, where, "an object");
-    if (!event.contains("t") || !event["t"].is_number() || event["t"].get<double>() < 0)
-        return fail(problem, where + "/t", "a number of seconds, 0 or more");
+    // Bounded so the due time cannot overflow the clock.
+    if (!event.contains("t") || !event["t"].is_number() || event["t"].get<double>() < 0 ||
+        event["t"].get<double>() > kLatestEvent)
+        return fail(problem, where + "/t", "a number of seconds from 0 to 1000000");
     json rest = event;
     rest.erase("t");
     return check_event(rest, where, problem);
@@ -462,7 +466,22 @@ bool parse(const std::string &text, json *doc, std::string *error) {
     return true;
 }
 
+bool parse_and_check(const std::string &text, json *doc, std::string *error) {
+    if (!parse(text, doc, error)) return false;
+    Problem problem;
+    if (!check_document(*doc, &problem)) {
+        *error = "at " + problem.where + ": expected " + problem.expected;
+        return false;
+    }
+    return true;
+}
+
 }  // namespace
+
+bool check_scenario(const std::string &text, std::string *error) {
+    json doc;
+    return parse_and_check(text, &doc, error);
+}
 
 bool load_scenario(const std::string &path, std::string *error) {
     std::ifstream file(path);
@@ -474,13 +493,8 @@ bool load_scenario(const std::string &path, std::string *error) {
     content << file.rdbuf();
     json doc;
     std::string why;
-    if (!parse(content.str(), &doc, &why)) {
+    if (!parse_and_check(content.str(), &doc, &why)) {
         *error = path + ": " + why;
-        return false;
-    }
-    Problem problem;
-    if (!check_document(doc, &problem)) {
-        *error = path + ": at " + problem.where + ": expected " + problem.expected;
         return false;
     }
     stop_timeline();

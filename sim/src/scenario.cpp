@@ -68,6 +68,11 @@ bool text(const json &object, const char *key, const std::string &where, bool re
     return object[key].is_string() || fail(problem, where + "/" + key, "a string");
 }
 
+// The string at `key`, or "" when it is missing or not a string.
+std::string string_at(const json &object, const char *key) {
+    return object.contains(key) && object[key].is_string() ? object[key].get<std::string>() : "";
+}
+
 bool hex_bytes(const std::string &hex, std::vector<uint8_t> *out) {
     if (hex.size() % 2 != 0) return false;
     out->clear();
@@ -177,7 +182,7 @@ void apply_sim(const json &sim) {
 
 bool check_cell(const json &cell, const std::string &where, Problem *problem) {
     if (!only_keys(cell, where, {"rat", "cell_id", "tac", "lac"}, problem)) return false;
-    if (cell.value("rat", "") == "lte" || cell.value("rat", "") == "nr")
+    if (string_at(cell, "rat") == "lte" || string_at(cell, "rat") == "nr")
         return number(cell, "cell_id", where, cell["rat"] == "nr" ? 0xFFFFFFFFFULL : 0xFFFFFFF,
                       true, problem) &&
                number(cell, "tac", where, 0xFFFFFF, true, problem);
@@ -304,7 +309,7 @@ bool check_timed_event(const json &event, const std::string &where, Problem *pro
 
 bool check_event(const json &event, const std::string &where, Problem *problem) {
     if (!event.is_object()) return fail(problem, where, "an object");
-    const std::string kind = event.value("event", "");
+    const std::string kind = string_at(event, "event");
     if (kind == "sms")
         return only_keys(event, where, {"event", "pdu"}, problem) &&
                hex(event, "pdu", where, problem);

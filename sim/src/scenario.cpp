@@ -467,6 +467,12 @@ bool parse(const std::string &text, json *doc, std::string *error) {
         *error = position(text, e.byte) + ": " +
                  (detail == std::string::npos ? what : what.substr(detail));
         return false;
+    } catch (const json::exception &e) {
+        // Such as a number too large for any type; the parser gives no position for these.
+        const std::string what = e.what();
+        const size_t detail = what.find("] ");
+        *error = detail == std::string::npos ? what : what.substr(detail + 2);
+        return false;
     }
     return true;
 }

@@ -39,6 +39,7 @@ TEST(SimScenario, MalformedDocumentsAreRefusedWithWhereAndWhat) {
         {"", "line 1, column 1: syntax error"},
         {"{\n  \"imei\": \"1\",\n  \"sims\": [\n}", "line 4, column 1: syntax error"},
         {"[]", "at /: expected an object"},
+        {"{\"imei\": 1e400}", "number overflow"},
         {"{\"imie\": \"1\"}", "at /imie: expected one of the keys description, imei"},
         {"{\"imei\": 5}", "at /imei: expected a string"},
         {"{\"sims\": {}}", "at /sims: expected an array"},

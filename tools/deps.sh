@@ -16,4 +16,4 @@ need_packages() {
 }
 
 # The packages every build of this repository needs.
-BUILD_PACKAGES=(cmake ninja-build g++ make pkg-config)
+BUILD_PACKAGES=(cmake ninja-build g++ make pkg-config nlohmann-json3-dev)

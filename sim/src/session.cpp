@@ -1,5 +1,10 @@
 // mipc_init / mipc_deinit.
+#include <cstdio>
+#include <cstdlib>
+
 #include "core.h"
+#include "mipc_sim_control.h"
+#include "mipc_sim_scenario.h"
 
 namespace {
 
@@ -23,6 +28,24 @@ extern "C" mipc_result_enum mipc_init(const char *process_name_ptr) {
     core::record({"mipc_init", -1, 0, client, 0, {}});
     Fault fault{};
     if (core::take_fault("mipc_init", &fault)) return static_cast<mipc_result_enum>(fault.value);
+    // A scenario that cannot be applied fails the session: running on
+    // defaults instead would hide the mistake from whoever wrote it.
+    if (const char *scenario = std::getenv(kScenarioEnv);
+        scenario != nullptr && *scenario != '\0') {
+        std::string error;
+        if (!load_scenario(scenario, &error)) {
+            std::fprintf(stderr, "mipc_sim: scenario refused: %s\n", error.c_str());
+            return MIPC_RESULT_FAILURE;
+        }
+    }
+    if (const char *socket = std::getenv(kControlEnv); socket != nullptr && *socket != '\0') {
+        std::string error;
+        if (!start_control_socket(socket, &error)) {
+            std::fprintf(stderr, "mipc_sim: control socket refused: %s\n", error.c_str());
+            stop_timeline();
+            return MIPC_RESULT_FAILURE;
+        }
+    }
     std::lock_guard<std::mutex> guard(core::state_lock());
     session().open = true;
     session().client = client;
@@ -34,6 +57,8 @@ extern "C" mipc_result_enum mipc_deinit(void) {
     core::record({"mipc_deinit", -1, 0, "", 0, {}});
     Fault fault{};
     if (core::take_fault("mipc_deinit", &fault)) return static_cast<mipc_result_enum>(fault.value);
+    stop_control_socket();
+    stop_timeline();
     std::lock_guard<std::mutex> guard(core::state_lock());
     session().open = false;
     return MIPC_RESULT_SUCCESS;

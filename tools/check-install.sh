@@ -5,7 +5,9 @@
 # CMake with find_package (shared and static). Then cross-builds the library
 # for aarch64 against a staged vendor-SDK-style install and links a consumer
 # against that staging tree, as a firmware build would.
-# CROSS=0 skips the aarch64 part.
+# CROSS=0 skips the aarch64 part. CI hands in builds it has made already:
+# INSTALL_BUILD_DIR (a Release build with NKW_PAL_BUILD_STATIC=ON) and
+# AARCH64_BUILD_DIR (whose simulated modem library stands for the SDK's).
 set -euo pipefail
 cd "$(dirname "$0")/.."
 source tools/deps.sh
@@ -18,11 +20,16 @@ work=$(mktemp -d "${TMPDIR:-/tmp}/nkw_pal_install.XXXXXX")
 trap 'rm -rf "$work"' EXIT
 step() { echo "-- $*"; }
 
-step "build and install into $work/prefix"
-cmake -S . -B "$work/build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DNKW_PAL_BUILD_STATIC=ON \
-    -DNKW_PAL_BUILD_TESTS=OFF -DNKW_PAL_BUILD_EXAMPLES=OFF >/dev/null
-cmake --build "$work/build" >/dev/null
-cmake --install "$work/build" --prefix "$work/prefix" >/dev/null
+build=${INSTALL_BUILD_DIR:-$work/build}
+step "build $build and install it into $work/prefix"
+if [ -z "${INSTALL_BUILD_DIR:-}" ]; then
+    cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DNKW_PAL_BUILD_STATIC=ON \
+        -DNKW_PAL_BUILD_TESTS=OFF -DNKW_PAL_BUILD_EXAMPLES=OFF >/dev/null
+fi
+grep -q '^NKW_PAL_BUILD_STATIC:BOOL=ON' "$build/CMakeCache.txt" ||
+    { echo "$build lacks the static flavour (NKW_PAL_BUILD_STATIC=ON)"; exit 1; }
+cmake --build "$build" >/dev/null
+cmake --install "$build" --prefix "$work/prefix" >/dev/null
 prefix=$work/prefix
 libdir=$(pkg-config --variable=libdir "$prefix/lib/pkgconfig/nkw_pal.pc" 2>/dev/null ||
     echo "$prefix/lib")
@@ -64,13 +71,17 @@ cd "$src"
 cross=(-DCMAKE_SYSTEM_NAME=Linux -DCMAKE_SYSTEM_PROCESSOR=aarch64
     -DCMAKE_C_COMPILER=aarch64-linux-gnu-gcc -DCMAKE_CXX_COMPILER=aarch64-linux-gnu-g++)
 step "aarch64: a vendor-SDK-style modem IPC library (the simulated one, as the SDK ships it)"
-cmake -S . -B "$work/sdk-build" -G Ninja "${cross[@]}" -DCMAKE_BUILD_TYPE=Release \
-    -DNKW_PAL_BUILD_TESTS=OFF -DNKW_PAL_BUILD_EXAMPLES=OFF >/dev/null
-cmake --build "$work/sdk-build" --target mipc_msg >/dev/null
+sdk_build=${AARCH64_BUILD_DIR:-$work/sdk-build}
+if [ -z "${AARCH64_BUILD_DIR:-}" ]; then
+    cmake -S . -B "$sdk_build" -G Ninja "${cross[@]}" -DCMAKE_BUILD_TYPE=Release \
+        -DNKW_PAL_BUILD_TESTS=OFF -DNKW_PAL_BUILD_EXAMPLES=OFF >/dev/null
+fi
+cmake --build "$sdk_build" --target mipc_msg >/dev/null
 sdk=$work/sdk
 mkdir -p "$sdk/include" "$sdk/lib"
 cp modem_ipc/include/mipc_msg.h "$sdk/include/"
-cp -P "$work/sdk-build/sim/"libmipc_msg.so* "$sdk/lib/"
+cp -P "$sdk_build/sim/"libmipc_msg.so* "$sdk/lib/"
+file -L "$sdk/lib/libmipc_msg.so" | grep -q 'ARM aarch64'
 
 step "aarch64: the library against the SDK, staged into a root file system"
 rootfs=$work/rootfs

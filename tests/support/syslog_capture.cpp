@@ -5,6 +5,7 @@
 #include <cstdarg>
 #include <cstdio>
 #include <mutex>
+#include <vector>
 
 namespace nkw::test {
 namespace {
@@ -21,10 +22,11 @@ Capture &capture() {
 }
 
 void record(int priority, const char *format, va_list args) {
-    char text[4096];
-    std::vsnprintf(text, sizeof text, format, args);
+    // On the heap: the library's threads may run on stacks of only 16 KiB.
+    std::vector<char> text(4096);
+    std::vsnprintf(text.data(), text.size(), format, args);
     std::lock_guard<std::mutex> guard(capture().lock);
-    capture().records.push_back({priority, text});
+    capture().records.push_back({priority, text.data()});
 }
 
 }  // namespace

@@ -24,5 +24,12 @@ if [ -z "$abi_version" ] || [ "$soname" != "libnkw_pal.so.$abi_version" ]; then
     echo "check-openwrt: ABI_VERSION '$abi_version' does not match the SONAME '$soname'" >&2
     status=1
 fi
+# The tool's package must pull in the C++ runtime the tool needs.
+tool="$build/nkwctl/nkwctl"
+if [ -f "$tool" ] && readelf -dW "$tool" | grep -q 'NEEDED.*libstdc++' &&
+    ! grep -q '^ *DEPENDS:=.*+libstdcpp' "$package"; then
+    echo "check-openwrt: nkwctl needs libstdc++ but its package does not depend on +libstdcpp" >&2
+    status=1
+fi
 [ "$status" -eq 0 ] && echo "check-openwrt: version $pkg_version, SONAME $soname: ok"
 exit $status

@@ -136,6 +136,12 @@ NKW_PAL_SIM_CONTROL=$socket "$nkwctl_program" monitor --seconds 30 >"$scratch/mo
 monitor=$!
 for _ in $(seq 50); do [ -S "$socket" ] && break; sleep 0.1; done
 [ -S "$socket" ] || { cat "$scratch/monitor"; echo "the monitor did not start" >&2; exit 1; }
+# The socket comes with the session, the subscriptions after it: inject once
+# the monitor's main thread sits in its wait for a signal, all subscribed.
+for _ in $(seq 50); do
+    case $(cat "/proc/$monitor/wchan" 2>/dev/null) in do_sigtimedwait*) break ;; esac
+    sleep 0.1
+done
 show sim-inject -s "$socket" \
     '{"event": "sms", "pdu": "07911326040000F0040B911346610089F60000208062917314080CC8F71D14969741F977FD07"}'
 show sim-inject -s "$socket" '{"event": "registration", "cs_state": "roaming", "ps_state": "roaming"}'

@@ -3,13 +3,15 @@
 # user, show what each step is there to show, and leave the host as it found
 # it: no log daemon, socket, shared memory, semaphore, interface, route,
 # network namespace or file of its own behind (its build directory aside).
-# The root run builds; the user's run takes that build, installed into the
-# user's copy of the tree, so the demo is built once.
+# The root run builds (or takes DEMO_BUILD_DIR, e.g. the tests' build); the
+# user's run takes that build, installed into the user's copy of the tree, so
+# the demo is built once at most.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 [ "$(id -u)" -eq 0 ] || { echo "check-demo.sh runs as root (it creates a user)"; exit 1; }
 
 user=${DEMO_USER:-nkwdemo}
+build=${DEMO_BUILD_DIR:-build-demo}
 copy=$(mktemp -d /tmp/nkw_pal_demo_user.XXXXXX)
 trap 'rm -rf "$copy"' EXIT
 
@@ -71,7 +73,7 @@ check_output() {
 
 run=root
 echo "=== demo as root"
-DEMO_PAUSE=0 bash tools/demo.sh | tee "$copy/$run.out"
+DEMO_PAUSE=0 DEMO_BUILD_DIR=${DEMO_BUILD_DIR:-} bash tools/demo.sh | tee "$copy/$run.out"
 check_output "$copy/$run.out"
 
 run=user
@@ -79,7 +81,7 @@ echo "=== demo as the ordinary user $user"
 id "$user" >/dev/null 2>&1 || useradd --create-home --shell /bin/bash "$user"
 # A copy of the tree the user owns: the checkout itself may not be readable.
 git ls-files -z | tar --null -T - -cf - | tar -xf - -C "$copy"
-cmake --install build-demo --prefix "$copy/prefix" >/dev/null
+cmake --install "$build" --prefix "$copy/prefix" >/dev/null
 chown -R "$user:" "$copy"
 runuser -u "$user" -- env -i HOME="$(getent passwd "$user" | cut -d: -f6)" PATH="$PATH" \
     DEMO_BUILD_DIR="$copy/prefix" bash "$copy/tools/demo.sh" | tee "$copy/$run.out"

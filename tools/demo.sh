@@ -36,7 +36,12 @@ if [ -z "${DEMO_BUILD_DIR:-}" ] || ! find_programs "$build"; then
     echo "== building the library, the simulated modem, nkwctl and sim-inject into $build"
     cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DNKW_PAL_BUILD_TESTS=OFF \
         -DNKW_PAL_BUILD_EXAMPLES=OFF -DNKW_PAL_BUILD_TOOLS=ON >/dev/null
-    cmake --build "$build" --target nkwctl sim-inject | grep -E 'stripped size|error|warning' || true
+    if ! cmake --build "$build" --target nkwctl sim-inject >"$build/demo-build.log" 2>&1; then
+        tail -n 40 "$build/demo-build.log"
+        echo "the build failed (whole log: $build/demo-build.log)" >&2
+        exit 1
+    fi
+    grep 'stripped size' "$build/demo-build.log" || true
 fi
 find_programs "$build" || { echo "the build failed: no nkwctl or sim-inject in $build" >&2; exit 1; }
 

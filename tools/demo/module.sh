@@ -9,8 +9,8 @@
 #     end, modem0, sits in a network namespace "modem" standing for the
 #     modem's side of the data path.
 # Then it runs tools/demo/walkthrough.sh there. Everything ends with the
-# namespaces; only the scratch directory is the host's, and tools/demo.sh
-# removes it.
+# namespaces; the only host directory written to is the scratch directory,
+# which tools/demo.sh removes.
 # Usage: module.sh SCRATCH REPO NKWCTL SIM_INJECT SCENARIO (--inside: the second
 # half, run by the first inside the new root)
 set -euo pipefail
@@ -46,13 +46,13 @@ root=$scratch/root
 # dst mirrors src: a symlink is copied, a directory or file bind-mounted,
 # read-only where the kernel lets a user namespace make it so.
 mirror() {
-    local src=$1 dst=$2 mode=${3:-ro}
+    local src=$1 dst=$2
     if [ -L "$src" ]; then
         ln -s "$(readlink "$src")" "$dst"
     elif [ -d "$src" ]; then
         mkdir -p "$dst"
         mount --rbind "$src" "$dst" 2>/dev/null || return 0
-        [ "$mode" = rw ] || mount -o remount,bind,ro "$dst" 2>/dev/null || true
+        mount -o remount,bind,ro "$dst" 2>/dev/null || true
     elif [ -e "$src" ]; then
         touch "$dst"
         mount --bind "$src" "$dst" 2>/dev/null || return 0
@@ -67,10 +67,12 @@ for entry in /* /.[!.]*; do
     name=${entry#/}
     case $name in
     dev | proc | sys | run | data | etc | '.[!.]*') ;;
-    tmp) mirror "$entry" "$root/$name" rw ;;  # the scratch directory lives there
     *) mirror "$entry" "$root/$name" ;;
     esac
 done
+# The one host directory written to: the scratch directory (not what it holds
+# by then: the bind does not take the root mounted inside it).
+mount --bind "$scratch" "$root$scratch"
 # /etc: the host's files through symlinks into a read-only bind, except the
 # resolver file, which is ours (a dangling or missing host file is no matter).
 mirror /etc "$root/.host-etc"

@@ -86,7 +86,7 @@ show --may-fail nkwctl device
 [ "$shown" -eq 0 ] || echo "(nkwctl exits 1 when any item fails; standard error says which)"
 
 step "SIM" \
-    "Both SIM slots (status 0: ready), the active slot and its card's identity; then the same as one JSON document for scripts, with personal data hidden for a bug report."
+    "The status code of both slots (this scenario has a card in slot 0 only), the active slot and its card's identity; then the same as one JSON document for scripts, with personal data hidden for a bug report."
 show nkwctl sim status
 show nkwctl -J --hide-personal sim status
 
@@ -129,7 +129,8 @@ step "Live events" \
     "nkwctl monitor runs in the background and prints every indication the library offers; its simulated modem listens on a control socket (NKW_PAL_SIM_CONTROL), where sim-inject pushes events as a real modem would send them."
 control=$(mktemp -d "$scratch/control.XXXXXX")
 socket=$control/modem.sock
-printf '$ NKW_PAL_SIM_CONTROL=%s nkwctl monitor --seconds 30 &\n' "$socket"
+printf '$ socket=%s\n' "$socket"
+echo '$ NKW_PAL_SIM_CONTROL=$socket nkwctl monitor --seconds 30 &'
 # The program itself, not the function, so that the signal below reaches it;
 # --seconds bounds the wait should it not.
 NKW_PAL_SIM_CONTROL=$socket "$nkwctl_program" monitor --seconds 30 >"$scratch/monitor" 2>&1 &
@@ -142,12 +143,15 @@ for _ in $(seq 50); do
     case $(cat "/proc/$monitor/wchan" 2>/dev/null) in do_sigtimedwait*) break ;; esac
     sleep 0.1
 done
-show sim-inject -s "$socket" \
-    '{"event": "sms", "pdu": "07911326040000F0040B911346610089F60000208062917314080CC8F71D14969741F977FD07"}'
-show sim-inject -s "$socket" '{"event": "registration", "cs_state": "roaming", "ps_state": "roaming"}'
-show sim-inject -s "$socket" '{"event": "sim_removed", "slot": 0}'
-show sim-inject -s "$socket" '{"event": "hotplug", "cause": 12}'
-show sim-inject -s "$socket" '{"event": "mbim_connect_status", "status": 1, "apn": "internet"}'
+inject() {
+    printf '$ sim-inject -s "$socket" '"'%s'"'\n' "$1"
+    sim-inject -s "$socket" "$1"
+}
+inject '{"event": "sms", "pdu": "07911326040000F0040B911346610089F60000208062917314080CC8F71D14969741F977FD07"}'
+inject '{"event": "registration", "cs_state": "roaming", "ps_state": "roaming"}'
+inject '{"event": "sim_removed", "slot": 0}'
+inject '{"event": "hotplug", "cause": 12}'
+inject '{"event": "mbim_connect_status", "status": 1, "apn": "internet"}'
 settle "$scratch/monitor"
 kill -INT "$monitor"
 wait "$monitor" || { cat "$scratch/monitor"; echo "the monitor failed" >&2; exit 1; }
@@ -166,12 +170,16 @@ fi
 echo "The modem's driver takes ccmni0 down, which takes its routes with it:"
 show ip link set ccmni0 down
 show ip route
+[ -s "$scratch/out" ] || echo "(no route left)"
 show cat /etc/resolv.conf
 
 step "The library's log lines, as logread shows them" \
-    "Every nkwctl command above wrote to the module's system log; the lines under each step are the ones it wrote."
+    "Every nkwctl command above wrote to the module's system log; the lines under each step are the ones it wrote. (--hide-personal masks nkwctl's own output; the library's lines carry what they always do.)"
 settle
 busybox logread | awk '
-    / walkthrough: step [0-9]+: / { sub(/.* walkthrough: /, ""); print "\n-- " $0; next }
-    / nkwctl(\[[0-9]+\])?: / { print; lines++ }
+    / walkthrough: step [0-9]+: / { sub(/.* walkthrough: /, ""); heading = "\n-- " $0; next }
+    / nkwctl(\[[0-9]+\])?: / {
+        if (heading != "") { print heading; heading = "" }
+        print; lines++
+    }
     END { if (lines == 0) { print "no line of the library reached the system log"; exit 1 } }'

@@ -13,7 +13,8 @@
 #   DEMO_BUILD_DIR  a build tree or an install prefix to run instead of
 #                   building into build-demo (built there only if the
 #                   programs are missing)
-#   DEMO_SCENARIO   the scenario file (default sim/scenarios/home_lte.json)
+#   DEMO_SCENARIO   the scenario file (default sim/scenarios/home_lte.json);
+#                   commands that fail there are listed at the end
 #   DEMO_PAUSE=0    no pauses between steps (there are none without a terminal)
 set -euo pipefail
 cd "$(dirname "$0")/.."

@@ -70,9 +70,6 @@ for entry in /* /.[!.]*; do
     *) mirror "$entry" "$root/$name" ;;
     esac
 done
-# The one host directory written to: the scratch directory (not what it holds
-# by then: the bind does not take the root mounted inside it).
-mount --bind "$scratch" "$root$scratch"
 # /etc: the host's files through symlinks into a read-only bind, except the
 # resolver file, which is ours (a dangling or missing host file is no matter).
 mirror /etc "$root/.host-etc"
@@ -102,5 +99,11 @@ done
 mkdir -m 1777 "$root/dev/shm"
 mount -t tmpfs -o mode=1777 nkw_pal_demo_shm "$root/dev/shm"
 ln -s /proc/self/fd "$root/dev/fd"
+
+# The one host directory written to: the scratch directory (not what it holds
+# by then: the bind does not take the root mounted inside it). Last, so that
+# no mount above hides it wherever TMPDIR put it.
+mkdir -p "$root$scratch"
+mount --bind "$scratch" "$root$scratch"
 
 exec chroot "$root" /bin/bash "$repo/tools/demo/module.sh" --inside "$@"

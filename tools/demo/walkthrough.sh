@@ -25,8 +25,9 @@ step() {
 }
 
 # show [--may-fail] COMMAND...: prints the command as typed, its output
-# (kept in $scratch/out for what follows), then its standard error. A failure
-# ends the walkthrough unless --may-fail; its exit status is then in $shown.
+# (kept in $scratch/out for what follows), then its standard error; the exit
+# status is in $shown. The walkthrough goes on after a failure, so another
+# scenario shows all it can, but one without --may-fail fails it at the end.
 # typed COMMAND...: the command line as one would type it.
 typed() {
     local line="" word
@@ -38,6 +39,7 @@ typed() {
 }
 
 shown=0
+failed=()
 show() {
     local may_fail=0
     [ "$1" = --may-fail ] && { may_fail=1; shift; }
@@ -47,7 +49,7 @@ show() {
     cat "$scratch/out" "$scratch/err"
     if [ "$shown" -ne 0 ]; then
         echo "(exit status $shown)"
-        [ "$may_fail" = 1 ] || { echo "the walkthrough stops here: that was not expected" >&2; exit 1; }
+        [ "$may_fail" = 1 ] || failed+=("$*")
     fi
 }
 
@@ -183,3 +185,8 @@ busybox logread | awk '
         print; lines++
     }
     END { if (lines == 0) { print "no line of the library reached the system log"; exit 1 } }'
+if [ ${#failed[@]} -gt 0 ]; then
+    printf '\nfailed where the walkthrough expects success:\n' >&2
+    printf '  %s\n' "${failed[@]}" >&2
+    exit 1
+fi

@@ -19,6 +19,8 @@ set -euo pipefail
 if [ "${1:-}" = --inside ]; then
     shift
     scratch=$1 repo=$2
+    # Everything else of the host is read-only here.
+    export TMPDIR=$scratch
     busybox hostname nkw-module
     # The in-memory log lives in this IPC namespace.
     busybox syslogd -n -C256 &

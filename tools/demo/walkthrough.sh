@@ -24,10 +24,6 @@ step() {
     busybox logger -t walkthrough "step $step_number: $1"
 }
 
-# show [--may-fail] COMMAND...: prints the command as typed, its output
-# (kept in $scratch/out for what follows), then its standard error; the exit
-# status is in $shown. The walkthrough goes on after a failure, so another
-# scenario shows all it can, but one without --may-fail fails it at the end.
 # typed COMMAND...: the command line as one would type it.
 typed() {
     local line="" word
@@ -38,6 +34,10 @@ typed() {
     printf '$%s\n' "$line"
 }
 
+# show [--may-fail] COMMAND...: prints the command as typed, its output
+# (kept in $scratch/out for what follows), then its standard error; the exit
+# status is in $shown. The walkthrough goes on after a failure, so another
+# scenario shows all it can, but one without --may-fail fails it at the end.
 shown=0
 failed=()
 show() {

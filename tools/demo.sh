@@ -1,83 +1,53 @@
 #!/usr/bin/env bash
-# Builds the library and the example daemon, runs the daemon on the simulated
-# modem and shows its system-log lines step by step, read with logread as on
-# the module.
+# The walkthrough: builds the library, the simulated modem, nkwctl and
+# sim-inject, then runs nkwctl on a shipped scenario inside a private module
+# of its own (tools/demo/module.sh) and walks through device and SIM
+# information, registration, a data call that really configures an
+# interface, an SMS, an NV item, live events and the library's log lines
+# (tools/demo/walkthrough.sh).
 #
-# The daemon runs inside private user, mount, IPC, PID and network namespaces
-# with a system log of its own (busybox syslogd on a private /dev/log) and a
-# private GNSS adaptor socket, so the demo works for an ordinary user, never
-# meets or disturbs a system log daemon of the host, and leaves nothing
-# behind: the namespaces, the log and every process in them end with the run.
+# It works for an ordinary user and leaves nothing behind: everything runs in
+# private user, mount, IPC, PID, UTS and network namespaces that end with the
+# run, together with their system log, interfaces, routes and files.
+#
+#   DEMO_BUILD_DIR  a build tree or an install prefix to run instead of
+#                   building into build-demo (built there only if the
+#                   programs are missing)
+#   DEMO_SCENARIO   the scenario file (default sim/scenarios/home_lte.json);
+#                   commands that fail there are listed at the end
+#   DEMO_PAUSE=0    no pauses between steps (there are none without a terminal)
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-# ---- inside the namespaces ------------------------------------------------
-if [ "${1:-}" = "--in-namespaces" ]; then
-    scratch=$2 build=$3
-    # A /dev of our own: the few devices a daemon needs, fresh shared memory
-    # for its named semaphores, and room for our own /dev/log.
-    mkdir "$scratch/host-dev"
-    mount --rbind /dev "$scratch/host-dev"
-    mount -t tmpfs -o mode=755 nkw_pal_demo_dev /dev
-    for node in null zero full random urandom; do
-        touch "/dev/$node"
-        mount --bind "$scratch/host-dev/$node" "/dev/$node"
-    done
-    mkdir -m 1777 /dev/shm
-    mount -t tmpfs -o mode=1777 nkw_pal_demo_shm /dev/shm
-    ln -s /proc/self/fd /dev/fd
+source tools/deps.sh
+need_packages "${BUILD_PACKAGES[@]}" libcli11-dev busybox util-linux iproute2 net-tools
 
-    # The in-memory log lives in this IPC namespace; the file copy in scratch.
-    busybox syslogd -n -C256 -O "$scratch/messages" &
-    for _ in $(seq 50); do [ -S /dev/log ] && break; sleep 0.1; done
+# The programs of a build tree, or of an install prefix.
+find_programs() {
+    if [ -x "$1/bin/nkwctl" ]; then
+        nkwctl=$1/bin/nkwctl inject=$1/bin/sim-inject
+    else
+        nkwctl=$1/nkwctl/nkwctl inject=$1/sim/sim-inject
+    fi
+    [ -x "$nkwctl" ] && [ -x "$inject" ]
+}
 
-    "$build/examples/pal_demo" >"$scratch/steps.txt"
-    # Wait until syslogd has taken every line.
-    seen=-1
-    for _ in $(seq 50); do
-        now=$(busybox logread | grep -c 'pal_demo' || true)
-        [ "$now" = "$seen" ] && break
-        seen=$now
-        sleep 0.1
-    done
-
-    busybox logread | grep 'pal_demo' >"$scratch/lines.txt" || true
-    if ! grep -q 'step [0-9]' "$scratch/lines.txt"; then
-        echo "the daemon's lines did not reach the system log" >&2
+build=${DEMO_BUILD_DIR:-build-demo}
+if [ -z "${DEMO_BUILD_DIR:-}" ] || ! find_programs "$build"; then
+    echo "== building the library, the simulated modem, nkwctl and sim-inject into $build"
+    cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DNKW_PAL_BUILD_TESTS=OFF \
+        -DNKW_PAL_BUILD_EXAMPLES=OFF -DNKW_PAL_BUILD_TOOLS=ON >/dev/null
+    if ! cmake --build "$build" --target nkwctl sim-inject >"$build/demo-build.log" 2>&1; then
+        tail -n 40 "$build/demo-build.log"
+        echo "the build failed (whole log: $build/demo-build.log)" >&2
         exit 1
     fi
-    echo "== the daemon's lines in the system log (busybox logread), step by step"
-    awk -v steps="$scratch/steps.txt" '
-        BEGIN {
-            while ((getline line < steps) > 0) {
-                if (line ~ /^step [0-9]+: /) { split(line, f, /[ :]/); n = f[2]; text[n] = "" }
-                else if (n != "" && line != "") text[n] = text[n] line "\n"
-            }
-        }
-        /\[    DEMO\] \[step:[0-9]+\]-step [0-9]+: / {
-            match($0, /-step [0-9]+: .*/)
-            marker = substr($0, RSTART + 1, RLENGTH - 1)
-            sub(/ +$/, "", marker)
-            split(marker, f, /[ :]/)
-            printf "\n-- %s\n%s\n", marker, text[f[2]]
-        }
-        { print }' "$scratch/lines.txt"
-    kill %1 2>/dev/null || true
-    exit 0
+    grep 'stripped size' "$build/demo-build.log" || true
 fi
+find_programs "$build" || { echo "the build failed: no nkwctl or sim-inject in $build" >&2; exit 1; }
 
-# ---- on the host --------------------------------------------------------------
-source tools/deps.sh
-need_packages "${BUILD_PACKAGES[@]}" busybox util-linux
-
-build=${BUILD_DIR:-build-demo}
-echo "== building the library and the example daemon into $build"
-cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DNKW_PAL_BUILD_TESTS=OFF \
-    -DNKW_PAL_BUILD_TOOLS=OFF >/dev/null
-cmake --build "$build" | grep -E 'stripped size|error|warning' || true
-[ -x "$build/examples/pal_demo" ] || { echo "the build failed"; exit 1; }
-
-namespaces=(unshare --user --map-root-user --mount --ipc --pid --net --fork --kill-child)
+scenario=$(realpath "${DEMO_SCENARIO:-sim/scenarios/home_lte.json}")
+namespaces=(unshare --user --map-root-user --mount --ipc --pid --uts --net --fork --kill-child)
 if ! "${namespaces[@]}" true 2>/dev/null; then
     echo "this demo runs in private user namespaces, which this host refuses" >&2
     echo "(enable them with: sysctl kernel.unprivileged_userns_clone=1)" >&2
@@ -86,5 +56,8 @@ fi
 
 scratch=$(mktemp -d "${TMPDIR:-/tmp}/nkw_pal_demo.XXXXXX")
 trap 'rm -rf "$scratch"' EXIT
-echo "== running examples/pal_demo on the simulated modem, with a system log of its own"
-"${namespaces[@]}" bash "$0" --in-namespaces "$scratch" "$(realpath "$build")"
+pause=${DEMO_PAUSE:-1}
+[ -t 0 ] && [ -t 1 ] || pause=0
+"${namespaces[@]}" env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin TERM="${TERM:-dumb}" \
+    DEMO_PAUSE="$pause" bash tools/demo/module.sh "$scratch" "$PWD" "$(realpath "$nkwctl")" \
+    "$(realpath "$inject")" "$scenario"

@@ -255,7 +255,8 @@ constexpr EventKind kEvents[] = {
                 each(e["cells"], w + "/cells", check_cell, p);
      },
      [](const json &e) { set_cells(cells_of(e["cells"])); }},
-    {"radio", [](const json &e, const std::string &w, Problem *p) { return check_radio(e, w, p); },
+    {"radio",
+     [](const json &e, const std::string &w, Problem *p) { return check_radio(body_of(e), w, p); },
      [](const json &e) { set_radio(e["sw"].get<uint8_t>(), e["hw"].get<uint8_t>()); }},
     {"data_class",
      [](const json &e, const std::string &w, Problem *p) {

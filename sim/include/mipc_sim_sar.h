@@ -22,5 +22,7 @@ struct SarTable {
     int switches = 0;  // completed switches since reset
 };
 SarTable sar_table();
+// The table in force before any switch (a scenario's starting state).
+void set_sar_table(uint32_t mode, uint32_t index);
 
 }  // namespace mipc_sim

@@ -23,4 +23,8 @@ bool apply_event(const std::string &event, std::string *error);
 // Stops a running timeline (reset() does too).
 void stop_timeline();
 
+// Stops what a scenario started: its timeline and its GNSS adaptor (the
+// session's end does this).
+void stop_scenario();
+
 }  // namespace mipc_sim

@@ -61,6 +61,12 @@ std::vector<uint8_t> sar_item(uint16_t first, uint16_t second, size_t size) {
     return bytes;
 }
 
+void set_sar_table(uint32_t mode, uint32_t index) {
+    std::lock_guard<std::mutex> guard(core::state_lock());
+    table().mode = mode;
+    table().index = index;
+}
+
 SarTable sar_table() {
     std::lock_guard<std::mutex> guard(core::state_lock());
     return table();

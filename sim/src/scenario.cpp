@@ -3,7 +3,6 @@
 #include <chrono>
 #include <condition_variable>
 #include <fstream>
-#include <nlohmann/json.hpp>
 #include <sstream>
 #include <thread>
 
@@ -17,106 +16,16 @@
 #include "mipc_sim_scenario.h"
 #include "mipc_sim_sms.h"
 #include "mipc_sim_sys_info.h"
+#include "scenario_areas.h"
+#include "scenario_schema.h"
 
 namespace mipc_sim {
 namespace {
 
-using nlohmann::json;
+using namespace schema;
+using scenario::apply_data_call;
+using scenario::check_data_call;
 
-// A schema failure: where and what was expected there.
-struct Problem {
-    std::string where;
-    std::string expected;
-};
-
-using Check = bool (*)(const json &, const std::string &, Problem *);
-
-bool fail(Problem *problem, const std::string &where, const std::string &expected) {
-    *problem = {where.empty() ? "/" : where, expected};
-    return false;
-}
-
-bool only_keys(const json &object, const std::string &where,
-               std::initializer_list<const char *> keys, Problem *problem) {
-    if (!object.is_object()) return fail(problem, where, "an object");
-    for (auto it = object.begin(); it != object.end(); ++it) {
-        bool known = false;
-        for (const char *key : keys) known = known || it.key() == key;
-        if (!known) {
-            std::string list;
-            for (const char *key : keys) list += std::string(list.empty() ? "" : ", ") + key;
-            return fail(problem, where + "/" + it.key(), "one of the keys " + list);
-        }
-    }
-    return true;
-}
-
-bool number(const json &object, const char *key, const std::string &where, uint64_t max,
-            bool required, Problem *problem) {
-    if (!object.contains(key))
-        return !required || fail(problem, where + "/" + key, "a number (missing)");
-    const json &value = object[key];
-    if (!value.is_number_unsigned() || value.get<uint64_t>() > max)
-        return fail(problem, where + "/" + key, "a number from 0 to " + std::to_string(max));
-    return true;
-}
-
-bool text(const json &object, const char *key, const std::string &where, bool required,
-          Problem *problem) {
-    if (!object.contains(key))
-        return !required || fail(problem, where + "/" + key, "a string (missing)");
-    return object[key].is_string() || fail(problem, where + "/" + key, "a string");
-}
-
-// The string at `key`, or "" when it is missing or not a string.
-std::string string_at(const json &object, const char *key) {
-    return object.contains(key) && object[key].is_string() ? object[key].get<std::string>() : "";
-}
-
-bool hex_bytes(const std::string &hex, std::vector<uint8_t> *out) {
-    if (hex.size() % 2 != 0) return false;
-    out->clear();
-    for (size_t i = 0; i < hex.size(); i += 2) {
-        auto nibble = [](char c) {
-            if (c >= '0' && c <= '9') return c - '0';
-            if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-            if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-            return -1;
-        };
-        int high = nibble(hex[i]), low = nibble(hex[i + 1]);
-        if (high < 0 || low < 0) return false;
-        out->push_back(static_cast<uint8_t>(high << 4 | low));
-    }
-    return true;
-}
-
-bool hex(const json &object, const char *key, const std::string &where, Problem *problem) {
-    std::vector<uint8_t> bytes;
-    if (!object.contains(key) || !object[key].is_string() ||
-        !hex_bytes(object[key].get<std::string>(), &bytes) || bytes.empty())
-        return fail(problem, where + "/" + key, "a non-empty string of hex digit pairs");
-    return true;
-}
-
-std::vector<uint8_t> bytes_of(const json &value) {
-    std::vector<uint8_t> bytes;
-    hex_bytes(value.get<std::string>(), &bytes);
-    return bytes;
-}
-
-bool each(const json &list, const std::string &where, Check check, Problem *problem) {
-    if (!list.is_array()) return fail(problem, where, "an array");
-    for (size_t i = 0; i < list.size(); ++i)
-        if (!check(list[i], where + "/" + std::to_string(i), problem)) return false;
-    return true;
-}
-
-// ---- Names used in documents ----------------------------------------------
-
-struct Name {
-    const char *name;
-    uint32_t value;
-};
 constexpr Name kRegStates[] = {{"not_registered", MIPC_NW_REG_STATE_NOT_REGISTERED},
                                {"home", MIPC_NW_REG_STATE_HOME},
                                {"searching", MIPC_NW_REG_STATE_SEARCHING},
@@ -129,26 +38,6 @@ constexpr Name kSimStatuses[] = {{"ready", kSimStatusReady},
 constexpr Name kSimStates[] = {{"ready", kSimStateReady}, {"absent", kSimStateAbsent}};
 constexpr Name kSmsStatuses[] = {
     {"unread", kSmsUnread}, {"read", kSmsRead}, {"unsent", kSmsUnsent}, {"sent", kSmsSent}};
-
-template <size_t N>
-bool named(const json &object, const char *key, const std::string &where, const Name (&names)[N],
-           Problem *problem) {
-    if (!object.contains(key)) return true;
-    std::string list;
-    for (const Name &n : names) {
-        if (object[key] == n.name) return true;
-        list += std::string(list.empty() ? "" : ", ") + n.name;
-    }
-    return fail(problem, where + "/" + key, "one of " + list);
-}
-
-template <size_t N>
-uint32_t value_of(const json &object, const char *key, const Name (&names)[N], uint32_t fallback) {
-    if (!object.contains(key)) return fallback;
-    for (const Name &n : names)
-        if (object[key] == n.name) return n.value;
-    return fallback;
-}
 
 // ---- Initial state: check, then apply ---------------------------------------
 
@@ -208,6 +97,22 @@ void apply_registration(const json &reg) {
     set_registration(r);
 }
 
+bool check_radio(const json &radio, const std::string &where, Problem *problem) {
+    return only_keys(radio, where, {"sw", "hw"}, problem) &&
+           number(radio, "sw", where, 1, true, problem) &&
+           number(radio, "hw", where, 1, true, problem);
+}
+
+std::vector<mipc_nw_cell_struct> cells_of(const json &list) {
+    std::vector<mipc_nw_cell_struct> cells;
+    for (const json &cell : list)
+        cells.push_back(
+            cell["rat"] == "nr"
+                ? nr_cell(cell["cell_id"].get<uint64_t>(), cell["tac"].get<uint32_t>())
+                : lte_cell(cell["cell_id"].get<uint32_t>(), cell["tac"].get<uint32_t>()));
+    return cells;
+}
+
 bool check_network(const json &nw, const std::string &where, Problem *problem) {
     if (!only_keys(nw, where, {"registration", "cells", "data_class", "radio", "sbp_id"}, problem))
         return false;
@@ -216,45 +121,18 @@ bool check_network(const json &nw, const std::string &where, Problem *problem) {
         return false;
     if (nw.contains("cells") && !each(nw["cells"], where + "/cells", check_cell, problem))
         return false;
-    if (nw.contains("radio") && !(only_keys(nw["radio"], where + "/radio", {"sw", "hw"}, problem) &&
-                                  number(nw["radio"], "sw", where + "/radio", 1, true, problem) &&
-                                  number(nw["radio"], "hw", where + "/radio", 1, true, problem)))
-        return false;
+    if (nw.contains("radio") && !check_radio(nw["radio"], where + "/radio", problem)) return false;
     return number(nw, "data_class", where, 0xFFFFFFFF, false, problem) &&
            number(nw, "sbp_id", where, 0xFFFFFFFF, false, problem);
 }
 
 void apply_network(const json &nw) {
     if (nw.contains("registration")) apply_registration(nw["registration"]);
-    if (nw.contains("cells")) {
-        std::vector<mipc_nw_cell_struct> cells;
-        for (const json &cell : nw["cells"])
-            cells.push_back(
-                cell["rat"] == "nr"
-                    ? nr_cell(cell["cell_id"].get<uint64_t>(), cell["tac"].get<uint32_t>())
-                    : lte_cell(cell["cell_id"].get<uint32_t>(), cell["tac"].get<uint32_t>()));
-        set_cells(cells);
-    }
+    if (nw.contains("cells")) set_cells(cells_of(nw["cells"]));
     if (nw.contains("data_class")) set_data_class(nw["data_class"].get<uint32_t>());
     if (nw.contains("radio"))
         set_radio(nw["radio"]["sw"].get<uint8_t>(), nw["radio"]["hw"].get<uint8_t>());
     if (nw.contains("sbp_id")) set_sbp_id(nw["sbp_id"].get<uint32_t>());
-}
-
-bool check_data_call(const json &call, const std::string &where, Problem *problem) {
-    return only_keys(call, where, {"apn", "result_code", "id", "interface_id"}, problem) &&
-           text(call, "apn", where, true, problem) &&
-           number(call, "result_code", where, 0xFFFFFFFF, false, problem) &&
-           number(call, "id", where, 255, false, problem) &&
-           number(call, "interface_id", where, 255, false, problem);
-}
-
-void apply_data_call(const json &call) {
-    DataCallAnswer answer;
-    answer.result_code = call.value("result_code", answer.result_code);
-    answer.id = call.value("id", answer.id);
-    answer.interface_id = call.value("interface_id", answer.interface_id);
-    set_data_call_answer(call["apn"].get<std::string>(), answer);
 }
 
 bool check_stored_sms(const json &sms, const std::string &where, Problem *problem) {
@@ -290,6 +168,11 @@ bool check_at_reply(const json &at, const std::string &where, Problem *problem) 
            text(at, "response", where, false, problem);
 }
 
+void apply_at_reply(const json &at) {
+    set_at_reply(at["prefix"].get<std::string>(), at.value("result_code", 0u),
+                 at.value("response", std::string()));
+}
+
 // ---- Events -------------------------------------------------------------------
 
 bool check_event(const json &event, const std::string &where, Problem *problem);
@@ -307,69 +190,158 @@ bool check_timed_event(const json &event, const std::string &where, Problem *pro
     return check_event(rest, where, problem);
 }
 
-bool check_event(const json &event, const std::string &where, Problem *problem) {
-    if (!event.is_object()) return fail(problem, where, "an object");
-    const std::string kind = string_at(event, "event");
-    if (kind == "sms")
-        return only_keys(event, where, {"event", "pdu"}, problem) &&
-               hex(event, "pdu", where, problem);
-    if (kind == "sim_removed" || kind == "sim_inserted")
-        return only_keys(event, where, {"event", "slot"}, problem) &&
-               number(event, "slot", where, 1, true, problem);
-    if (kind == "registration") {
-        json reg = event;
-        reg.erase("event");
-        return check_registration(reg, where, problem);
-    }
-    if (kind == "data_call_end")
-        return only_keys(event, where, {"event", "id", "cause"}, problem) &&
-               number(event, "id", where, 255, true, problem) &&
-               number(event, "cause", where, 0xFFFFFFFF, false, problem);
-    if (kind == "hotplug")
-        return only_keys(event, where, {"event", "cause"}, problem) &&
-               number(event, "cause", where, 255, true, problem);
-    if (kind == "mbim_connect_status")
-        return only_keys(event, where, {"event", "status", "apn"}, problem) &&
-               number(event, "status", where, 0xFFFFFFFF, true, problem) &&
-               text(event, "apn", where, true, problem);
-    if (kind == "mbim_pin_status")
-        return only_keys(event, where, {"event", "status", "pin"}, problem) &&
-               number(event, "status", where, 255, true, problem) &&
-               text(event, "pin", where, true, problem);
-    return fail(problem, where + "/event",
-                "one of sms, sim_removed, sim_inserted, registration, data_call_end, hotplug, "
-                "mbim_connect_status, mbim_pin_status");
-}
-
 void set_sim_state(int slot, uint32_t state) {
     SimCard card = sim(slot);
     card.state = state;
     set_sim(slot, card);
 }
 
-// Runs a checked event: each drives the model, which pushes what a real
-// modem would push for it.
+void set_sim_status(int slot, uint32_t status) {
+    SimCard card = sim(slot);
+    card.status = status;
+    set_sim(slot, card);
+}
+
+// An event without its "event" key, for the events shaped as an area's object.
+json body_of(const json &event) {
+    json body = event;
+    body.erase("event");
+    return body;
+}
+
+bool check_slot_event(const json &event, const std::string &where, Problem *problem) {
+    return only_keys(event, where, {"event", "slot"}, problem) &&
+           number(event, "slot", where, 1, true, problem);
+}
+
+// One kind of event: its check, and what it does to the models (which push
+// what a real modem would push for it).
+struct EventKind {
+    const char *name;
+    Check check;
+    void (*run)(const json &event);
+};
+
+constexpr EventKind kEvents[] = {
+    {"sms",
+     [](const json &e, const std::string &w, Problem *p) {
+         return only_keys(e, w, {"event", "pdu"}, p) && hex(e, "pdu", w, p);
+     },
+     [](const json &e) { receive_sms(bytes_of(e["pdu"])); }},
+    {"sim_removed", check_slot_event,
+     [](const json &e) { set_sim_state(e["slot"].get<int>(), kSimStateAbsent); }},
+    {"sim_inserted", check_slot_event,
+     [](const json &e) { set_sim_state(e["slot"].get<int>(), kSimStateReady); }},
+    {"sim_status",
+     [](const json &e, const std::string &w, Problem *p) {
+         return only_keys(e, w, {"event", "slot", "status"}, p) &&
+                number(e, "slot", w, 1, true, p) &&
+                (e.contains("status") || fail(p, w + "/status", "a SIM status (missing)")) &&
+                named(e, "status", w, kSimStatuses, p);
+     },
+     [](const json &e) {
+         set_sim_status(e["slot"].get<int>(), value_of(e, "status", kSimStatuses, 0));
+     }},
+    {"mapped_slot", check_slot_event, [](const json &e) { set_mapped_slot(e["slot"].get<int>()); }},
+    {"registration",
+     [](const json &e, const std::string &w, Problem *p) {
+         return check_registration(body_of(e), w, p);
+     },
+     [](const json &e) { apply_registration(body_of(e)); }},
+    {"cells",
+     [](const json &e, const std::string &w, Problem *p) {
+         return only_keys(e, w, {"event", "cells"}, p) &&
+                (e.contains("cells") || fail(p, w + "/cells", "an array (missing)")) &&
+                each(e["cells"], w + "/cells", check_cell, p);
+     },
+     [](const json &e) { set_cells(cells_of(e["cells"])); }},
+    {"radio",
+     [](const json &e, const std::string &w, Problem *p) { return check_radio(body_of(e), w, p); },
+     [](const json &e) { set_radio(e["sw"].get<uint8_t>(), e["hw"].get<uint8_t>()); }},
+    {"data_class",
+     [](const json &e, const std::string &w, Problem *p) {
+         return only_keys(e, w, {"event", "mask"}, p) && number(e, "mask", w, 0xFFFFFFFF, true, p);
+     },
+     [](const json &e) { set_data_class(e["mask"].get<uint32_t>()); }},
+    {"at_reply",
+     [](const json &e, const std::string &w, Problem *p) {
+         return check_at_reply(body_of(e), w, p);
+     },
+     [](const json &e) { apply_at_reply(e); }},
+    {"modem_time",
+     [](const json &e, const std::string &w, Problem *p) {
+         return scenario::check_modem_time(body_of(e), w, p);
+     },
+     [](const json &e) { scenario::apply_modem_time(body_of(e)); }},
+    {"data_call_end",
+     [](const json &e, const std::string &w, Problem *p) {
+         return only_keys(e, w, {"event", "id", "cause"}, p) && number(e, "id", w, 255, true, p) &&
+                number(e, "cause", w, 0xFFFFFFFF, false, p);
+     },
+     [](const json &e) { network_deactivate(e["id"].get<uint8_t>(), e.value("cause", 0u)); }},
+    {"hotplug",
+     [](const json &e, const std::string &w, Problem *p) {
+         return only_keys(e, w, {"event", "cause"}, p) && number(e, "cause", w, 255, true, p);
+     },
+     [](const json &e) { push_hotplug(e["cause"].get<uint8_t>()); }},
+    {"mbim_open",
+     [](const json &e, const std::string &w, Problem *p) {
+         return only_keys(e, w, {"event", "status"}, p) &&
+                number(e, "status", w, 0xFFFFFFFF, true, p);
+     },
+     [](const json &e) { push_mbim_open(e["status"].get<uint32_t>()); }},
+    {"mbim_slot_mapping",
+     [](const json &e, const std::string &w, Problem *p) {
+         return only_keys(e, w, {"event", "option", "sim_id"}, p) &&
+                number(e, "option", w, 0xFFFFFFFF, true, p) &&
+                number(e, "sim_id", w, 0xFFFFFFFF, true, p);
+     },
+     [](const json &e) {
+         push_mbim_slot_mapping(e["option"].get<uint32_t>(), e["sim_id"].get<uint32_t>());
+     }},
+    {"mbim_connect_status",
+     [](const json &e, const std::string &w, Problem *p) {
+         return only_keys(e, w, {"event", "status", "apn"}, p) &&
+                number(e, "status", w, 0xFFFFFFFF, true, p) && text(e, "apn", w, true, p);
+     },
+     [](const json &e) {
+         push_mbim_connect_status(e["status"].get<uint32_t>(), e["apn"].get<std::string>());
+     }},
+    {"mbim_pin_status",
+     [](const json &e, const std::string &w, Problem *p) {
+         return only_keys(e, w, {"event", "status", "pin"}, p) &&
+                number(e, "status", w, 255, true, p) && text(e, "pin", w, true, p);
+     },
+     [](const json &e) {
+         push_mbim_pin_status(e["status"].get<uint8_t>(), e["pin"].get<std::string>());
+     }},
+    {"mbim_lpa_apdu",
+     [](const json &e, const std::string &w, Problem *p) {
+         return only_keys(e, w, {"event", "value"}, p) &&
+                number(e, "value", w, 0xFFFFFFFF, true, p);
+     },
+     [](const json &e) { push_mbim_lpa_apdu(e["value"].get<uint32_t>()); }},
+};
+
+const EventKind *kind_of(const json &event) {
+    const std::string name = string_at(event, "event");
+    for (const EventKind &kind : kEvents)
+        if (name == kind.name) return &kind;
+    return nullptr;
+}
+
+bool check_event(const json &event, const std::string &where, Problem *problem) {
+    if (!event.is_object()) return fail(problem, where, "an object");
+    if (const EventKind *kind = kind_of(event)) return kind->check(event, where, problem);
+    std::string names;
+    for (const EventKind &kind : kEvents)
+        names += std::string(names.empty() ? "" : ", ") + kind.name;
+    return fail(problem, where + "/event", "one of " + names);
+}
+
+// Runs a checked event.
 void run_event(const json &event) {
-    const std::string kind = event["event"].get<std::string>();
-    if (kind == "sms") {
-        receive_sms(bytes_of(event["pdu"]));
-    } else if (kind == "sim_removed") {
-        set_sim_state(event["slot"].get<int>(), kSimStateAbsent);
-    } else if (kind == "sim_inserted") {
-        set_sim_state(event["slot"].get<int>(), kSimStateReady);
-    } else if (kind == "registration") {
-        json reg = event;
-        reg.erase("event");
-        apply_registration(reg);
-    } else if (kind == "data_call_end") {
-        network_deactivate(event["id"].get<uint8_t>(), event.value("cause", 0u));
-    } else if (kind == "hotplug") {
-        push_hotplug(event["cause"].get<uint8_t>());
-    } else if (kind == "mbim_connect_status") {
-        push_mbim_connect_status(event["status"].get<uint32_t>(), event["apn"].get<std::string>());
-    } else if (kind == "mbim_pin_status") {
-        push_mbim_pin_status(event["status"].get<uint8_t>(), event["pin"].get<std::string>());
-    }
+    kind_of(event)->run(event);
 }
 
 // ---- Timeline ---------------------------------------------------------------------
@@ -413,7 +385,7 @@ const core::ResetHook kReset([] { stop_timeline(); });
 bool check_document(const json &doc, Problem *problem) {
     if (!only_keys(doc, "",
                    {"description", "imei", "sims", "mapped_slot", "network", "data_calls", "sms",
-                    "nvram", "at", "timeline"},
+                    "nvram", "at", "gnss", "sar", "modem_time", "timeline"},
                    problem))
         return false;
     return text(doc, "description", "", false, problem) && text(doc, "imei", "", false, problem) &&
@@ -425,6 +397,10 @@ bool check_document(const json &doc, Problem *problem) {
            (!doc.contains("sms") || check_sms(doc["sms"], "/sms", problem)) &&
            (!doc.contains("nvram") || each(doc["nvram"], "/nvram", check_nvram_item, problem)) &&
            (!doc.contains("at") || each(doc["at"], "/at", check_at_reply, problem)) &&
+           (!doc.contains("gnss") || scenario::check_gnss(doc["gnss"], "/gnss", problem)) &&
+           (!doc.contains("sar") || scenario::check_sar(doc["sar"], "/sar", problem)) &&
+           (!doc.contains("modem_time") ||
+            scenario::check_modem_time(doc["modem_time"], "/modem_time", problem)) &&
            (!doc.contains("timeline") ||
             each(doc["timeline"], "/timeline", check_timed_event, problem));
 }
@@ -438,9 +414,9 @@ void apply_document(const json &doc) {
     if (doc.contains("sms")) apply_sms(doc["sms"]);
     for (const json &item : doc.value("nvram", json::array()))
         set_nvram_item(item["lid"].get<uint32_t>(), bytes_of(item["hex"]));
-    for (const json &at : doc.value("at", json::array()))
-        set_at_reply(at["prefix"].get<std::string>(), at.value("result_code", 0u),
-                     at.value("response", std::string()));
+    for (const json &at : doc.value("at", json::array())) apply_at_reply(at);
+    if (doc.contains("sar")) scenario::apply_sar(doc["sar"]);
+    if (doc.contains("modem_time")) scenario::apply_modem_time(doc["modem_time"]);
 }
 
 // Line and column (from 1) of byte offset `byte` (from 1, as the parser counts).
@@ -508,7 +484,13 @@ bool load_scenario(const std::string &path, std::string *error) {
         *error = path + ": " + why;
         return false;
     }
-    stop_timeline();
+    stop_scenario();
+    // First, so an adaptor that cannot listen refuses the scenario before
+    // anything else of it is applied.
+    if (doc.contains("gnss") && !scenario::start_gnss(doc["gnss"], &why)) {
+        *error = path + ": " + why;
+        return false;
+    }
     apply_document(doc);
     if (doc.contains("timeline")) start_timeline(doc["timeline"]);
     return true;
@@ -524,6 +506,11 @@ bool apply_event(const std::string &event, std::string *error) {
     }
     run_event(doc);
     return true;
+}
+
+void stop_scenario() {
+    stop_timeline();
+    scenario::stop_gnss();
 }
 
 void stop_timeline() {

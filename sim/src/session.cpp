@@ -42,7 +42,7 @@ extern "C" mipc_result_enum mipc_init(const char *process_name_ptr) {
         std::string error;
         if (!start_control_socket(socket, &error)) {
             std::fprintf(stderr, "mipc_sim: control socket refused: %s\n", error.c_str());
-            stop_timeline();
+            stop_scenario();
             return MIPC_RESULT_FAILURE;
         }
     }
@@ -58,7 +58,7 @@ extern "C" mipc_result_enum mipc_deinit(void) {
     Fault fault{};
     if (core::take_fault("mipc_deinit", &fault)) return static_cast<mipc_result_enum>(fault.value);
     stop_control_socket();
-    stop_timeline();
+    stop_scenario();
     std::lock_guard<std::mutex> guard(core::state_lock());
     session().open = false;
     return MIPC_RESULT_SUCCESS;

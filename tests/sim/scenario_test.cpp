@@ -71,6 +71,23 @@ TEST(SimScenario, MalformedDocumentsAreRefusedWithWhereAndWhat) {
          "at /timeline/0/event: expected one of sms"},
         {"{\"timeline\": [{\"t\": 1, \"event\": \"hotplug\", \"cause\": 1, \"x\": 2}]}",
          "at /timeline/0/x: expected one of the keys event, cause"},
+        {"{\"data_calls\": [{\"apn\": \"a\", \"ipv4\": \"198.51.100.300\"}]}",
+         "at /data_calls/0/ipv4: expected an IPv4 address"},
+        {"{\"data_calls\": [{\"apn\": \"a\", \"ipv4_dns\": [\"192.0.2.1\", \"2001:db8::1\"]}]}",
+         "at /data_calls/0/ipv4_dns/1: expected an IPv4 address"},
+        {"{\"data_calls\": [{\"apn\": \"a\", \"ipv6_dns\": [\"::1\", \"::2\", \"::3\"]}]}",
+         "at /data_calls/0/ipv6_dns: expected an array of at most 2 addresses"},
+        {"{\"gnss\": {\"latitude\": 90.5}}", "at /gnss/latitude: expected a number from -90 to 90"},
+        {"{\"gnss\": {\"agps\": \"maybe\"}}", "at /gnss/agps: expected one of ok, split_ok"},
+        {"{\"sar\": {\"body_sar\": 1}}", "at /sar/body_sar: expected true or false"},
+        {"{\"modem_time\": {\"utc\": \"2026-02-30T00:00:00Z\"}}",
+         "at /modem_time/utc: expected a time such as"},
+        {"{\"modem_time\": {\"tz_offset_min\": 60}}",
+         "at /modem_time/utc: expected either utc or time_ms"},
+        {"{\"timeline\": [{\"t\": 0, \"event\": \"mbim_slot_mapping\", \"option\": 1}]}",
+         "at /timeline/0/sim_id: expected a number (missing)"},
+        {"{\"timeline\": [{\"t\": 0, \"event\": \"cells\"}]}",
+         "at /timeline/0/cells: expected an array (missing)"},
     };
     for (const Malformed &c : cases) {
         const std::string path = write_scenario(c.document);

@@ -33,31 +33,36 @@ void add_location(Report &report, const nkw_pal_gnss_location &where) {
     report.number("gnss.satellites", where.sat_num);
 }
 
-// The library ends every NMEA epoch with "\r\n" on standard output; that is
-// kept out of the report, so -K and -J output stays parseable.
-class QuietStdout {
+// Puts /dev/null on a standard descriptor for the object's life. The library
+// ends every NMEA epoch with "\r\n" on standard output, which would break
+// -K and -J output; and when the adaptor cannot be reached it goes on with
+// descriptor 0, which must not read the user's terminal (read-only, its
+// start request then fails at once instead of waiting for ever).
+class NullDescriptor {
    public:
-    QuietStdout() {
+    NullDescriptor(int fd, int access) : fd_(fd) {
         std::fflush(stdout);
-        const int null = open("/dev/null", O_WRONLY | O_CLOEXEC);
-        if (null >= 0 && (saved_ = dup(STDOUT_FILENO)) >= 0) dup2(null, STDOUT_FILENO);
+        const int null = open("/dev/null", access | O_CLOEXEC);
+        if (null >= 0 && (saved_ = dup(fd_)) >= 0) dup2(null, fd_);
         if (null >= 0) close(null);
     }
-    ~QuietStdout() {
+    ~NullDescriptor() {
         std::fflush(stdout);
         if (saved_ < 0) return;
-        dup2(saved_, STDOUT_FILENO);
+        dup2(saved_, fd_);
         close(saved_);
     }
-    QuietStdout(const QuietStdout &) = delete;
-    QuietStdout &operator=(const QuietStdout &) = delete;
+    NullDescriptor(const NullDescriptor &) = delete;
+    NullDescriptor &operator=(const NullDescriptor &) = delete;
 
    private:
+    int fd_;
     int saved_ = -1;
 };
 
 int acquire(nkw_pal_gnss_result *result) {
-    QuietStdout quiet;
+    const NullDescriptor input(STDIN_FILENO, O_RDONLY);
+    const NullDescriptor output(STDOUT_FILENO, O_WRONLY);
     return nkw_pal_gnss_info_acquire(seconds, result);
 }
 

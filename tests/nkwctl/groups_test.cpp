@@ -63,6 +63,9 @@ TEST(NkwctlGroups, GnssFixFromTheAdaptorAndNmeaText) {
     });
     EXPECT_EQ("AT+ELCSAGPSMODE=,,,,,,,1", mipc_sim::gnss_adaptor_commands(3).back());
     mipc_sim::stop_gnss_adaptor();
+    // Without an adaptor the library falls back on descriptor 0: never the user's input.
+    expect_all({{"gnss fix --seconds 1", 1, "",
+                 "gnss fix failed: status -1: no valid fix from the GNSS adaptor"}});
 
     // The library wants four or five decimals of minutes; the position is personal.
     const std::string nmea =

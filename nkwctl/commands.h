@@ -23,5 +23,10 @@ void add_at(CLI::App &app, Action &action);
 void add_sms(CLI::App &app, Action &action);
 void add_data(CLI::App &app, Action &action);
 void add_monitor(CLI::App &app, Action &action);
+void add_gnss(CLI::App &app, Action &action);
+void add_flash(CLI::App &app, Action &action);
+void add_time(CLI::App &app, Action &action);
+void add_module(CLI::App &app, Action &action);
+void add_sim_inject(CLI::App &app, Action &action);
 
 }  // namespace nkwctl

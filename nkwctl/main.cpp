@@ -19,7 +19,7 @@ int main(int argc, char **argv) {
     auto *k = app.add_flag("-K,--keys", keys, "stable dotted 'key : value' lines");
     app.add_flag("-J,--json", json, "one JSON document")->excludes(k);
     app.add_flag("--hide-personal", options.hide_personal,
-                 "mask IMSI, ICCID, EID, IMEI, PIN and passwords");
+                 "mask IMSI, ICCID, EID, IMEI, PIN, passwords and position");
     app.fallthrough();
 
     nkwctl::Action action;
@@ -32,6 +32,11 @@ int main(int argc, char **argv) {
     nkwctl::add_nv(app, action);
     nkwctl::add_at(app, action);
     nkwctl::add_codec(app, action);
+    nkwctl::add_gnss(app, action);
+    nkwctl::add_flash(app, action);
+    nkwctl::add_time(app, action);
+    nkwctl::add_module(app, action);
+    nkwctl::add_sim_inject(app, action);
 
     try {
         app.parse(argc, argv);

@@ -32,11 +32,17 @@ void put(nlohmann::json &root, const std::string &key, nlohmann::json value) {
 }  // namespace
 
 void Report::text(const std::string &key, const std::string &value, bool personal) {
-    fields_.push_back({key, value, false, personal});
+    fields_.push_back({key, value, false, personal, false});
 }
 
 void Report::number(const std::string &key, int64_t value) {
-    fields_.push_back({key, std::to_string(value), true, false});
+    fields_.push_back({key, std::to_string(value), true, false, false});
+}
+
+void Report::real(const std::string &key, double value, int decimals, bool personal) {
+    char text[64];
+    std::snprintf(text, sizeof text, "%.*f", decimals, value);
+    fields_.push_back({key, text, false, personal, true});
 }
 
 void Report::print(const Options &options) const {
@@ -45,6 +51,8 @@ void Report::print(const Options &options) const {
         for (const Field &f : fields_) {
             if (f.is_number) {
                 put(root, f.key, std::stoll(f.value));
+            } else if (f.is_real && !(f.personal && options.hide_personal)) {
+                put(root, f.key, std::stod(f.value));
             } else {
                 put(root, f.key, shown(f.value, f.personal, options));
             }

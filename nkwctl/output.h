@@ -21,6 +21,8 @@ class Report {
     // `key` is dotted ("sim.0.status"); `personal` values are masked on request.
     void text(const std::string &key, const std::string &value, bool personal = false);
     void number(const std::string &key, int64_t value);
+    // A real number shown with `decimals` places (a JSON number unless masked).
+    void real(const std::string &key, double value, int decimals, bool personal = false);
     // Prints the report in the chosen format on standard output.
     void print(const Options &options) const;
 
@@ -30,6 +32,7 @@ class Report {
         std::string value;
         bool is_number;
         bool personal;
+        bool is_real;
     };
     std::vector<Field> fields_;
 };

@@ -1,5 +1,6 @@
 // NVRAM model of the simulated modem: items by LID (record 1), holding the
-// bytes last written. Faults by return value and result code go through
+// bytes last written. A fresh model holds one factory item, the PCI subsystem
+// ids (LID 0xE111: 01 77 4B 1D). Faults by return value and result code go through
 // fail_next() of mipc_sim.h under the call's name.
 #pragma once
 

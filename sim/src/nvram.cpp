@@ -3,6 +3,7 @@
 // item's bytes. Asynchronous completions run on the dispatcher thread.
 #include <cstdlib>
 #include <cstring>
+#include <iterator>
 #include <map>
 
 #include "core.h"
@@ -14,8 +15,14 @@ namespace {
 
 constexpr uint16_t kItemRecord = 1;
 
+// A fresh module carries its PCI subsystem ids (device id, then vendor id,
+// little-endian) from the factory.
+constexpr uint32_t kSubsystemIdsLid = 0xE111;
+constexpr uint8_t kSubsystemIds[] = {0x01, 0x77, 0x4b, 0x1d};  // ssdid 0x7701, ssvid 0x1d4b
+
 struct State {
-    std::map<uint32_t, std::vector<uint8_t>> items;
+    std::map<uint32_t, std::vector<uint8_t>> items = {
+        {kSubsystemIdsLid, {std::begin(kSubsystemIds), std::end(kSubsystemIds)}}};
     std::vector<NvramRequest> requests;
 };
 

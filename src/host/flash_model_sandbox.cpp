@@ -11,6 +11,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "host/flash_image.h"
 #include "host/flash_model.h"
 #include "nkw_pal/common.h"
 #include "storage/mtd/mtd.h"
@@ -130,7 +131,7 @@ namespace nkw::host::flash_model {
 
 int open(int number, int flags) {
     prepare_files();
-    if (device_of(number) == nullptr) return fail(ENOENT);
+    if (device_of(number) == nullptr && !nkw::host::flash_image::load(number)) return fail(ENOENT);
     for (OpenFile &file : g_files) {
         if (file.fd >= 0) continue;
         int fd = ::eventfd(0, EFD_CLOEXEC);
@@ -241,6 +242,7 @@ int ioctl(int fd, unsigned long request, void *arg) {
 int close(int fd) {
     OpenFile *file = file_of(fd);
     if (file == nullptr) return fail(EBADF);
+    if (file->access != O_RDONLY) nkw::host::flash_image::save(file->device);
     file->fd = -1;
     return ::close(fd);
 }

@@ -10,6 +10,7 @@
 
 namespace nkwctl {
 
+namespace at_group {
 namespace {
 
 constexpr int32_t kResponseSize = 4096;
@@ -60,8 +61,10 @@ int send(const Options &options) {
 }
 
 }  // namespace
+}  // namespace at_group
 
 void add_at(CLI::App &app, Action &action) {
+    using namespace at_group;
     auto *at = app.add_subcommand("at", "send an AT command and print the answer");
     at->add_option("COMMAND", command, "e.g. ATI")->required();
     at->add_flag("--async", async, "send without waiting and print the answer when it arrives");

@@ -7,6 +7,7 @@
 
 namespace nkwctl {
 
+namespace codec_group {
 namespace {
 
 std::string input;
@@ -71,8 +72,10 @@ int septets(const Options &options) {
 }
 
 }  // namespace
+}  // namespace codec_group
 
 void add_codec(CLI::App &app, Action &action) {
+    using namespace codec_group;
     auto *codec = app.add_subcommand("codec", "decode Base64, BCD or packed 7-bit text");
     codec->require_subcommand(1);
     struct Kind {

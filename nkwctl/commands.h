@@ -1,5 +1,7 @@
 // Every subcommand group registers itself on the top-level app and, when it
-// is chosen, leaves the action to run once the options are parsed.
+// is chosen, leaves the action to run once the options are parsed. The tool
+// is compiled as one translation unit, so each group keeps its helpers in a
+// namespace of its own (<group>_group).
 #pragma once
 
 #include <CLI/CLI.hpp>

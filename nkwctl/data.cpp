@@ -3,11 +3,14 @@
 #include <nkw_pal.h>
 
 #include <cstring>
+#include <iostream>
 
 #include "commands.h"
+#include "stop_signal.h"
 
 namespace nkwctl {
 
+namespace data_group {
 namespace {
 
 struct Request {
@@ -21,6 +24,7 @@ struct Request {
 };
 
 Request request;
+bool hold = false;
 unsigned int call_id = 0;
 std::string ifname;
 
@@ -28,6 +32,20 @@ std::string address(int family, const uint8_t *bytes) {
     char text[INET6_ADDRSTRLEN] = {};
     inet_ntop(family, bytes, text, sizeof text);
     return text;
+}
+
+// On a PC the call lives in this process's simulated modem: holding it lets
+// other commands use the interface, and the release shows at the end.
+int hold_until_stopped(uint32_t id) {
+    std::cout << std::flush;
+    std::cerr << "data connect: holding call " << id << "; Ctrl-C releases it" << std::endl;
+    while (!stop_requested({1, 0})) {
+    }
+    const uint8_t call = static_cast<uint8_t>(id);
+    const int32_t status = nkw_pal_data_conn_release(&call);
+    if (status != 0) return fail("data release", status, "the call was not released");
+    std::cerr << "data connect: call " << id << " released" << std::endl;
+    return 0;
 }
 
 int connect(const Options &options) {
@@ -52,7 +70,7 @@ int connect(const Options &options) {
     report.text("data.dns.ipv4", address(AF_INET, info.v4_dns));
     report.text("data.dns.ipv6", address(AF_INET6, info.v6_dns));
     report.print(options);
-    return 0;
+    return hold ? hold_until_stopped(info.data_call_id) : 0;
 }
 
 int query(const Options &options) {
@@ -87,8 +105,10 @@ int traffic(const Options &options) {
 }
 
 }  // namespace
+}  // namespace data_group
 
 void add_data(CLI::App &app, Action &action) {
+    using namespace data_group;
     auto *data = app.add_subcommand("data", "data calls and interface counters");
     data->require_subcommand(1);
     auto *up = data->add_subcommand("connect", "activate a call; route, MTU and resolver follow");
@@ -105,7 +125,11 @@ void add_data(CLI::App &app, Action &action) {
     up->add_option("--auth", request.auth_type, "authentication type (modem's code)");
     up->add_option("--user", request.username);
     up->add_option("--password", request.password);
-    up->callback([&action] { action.run = connect; });
+    up->add_flag("--hold", hold, "keep the call until interrupted, then release it");
+    up->callback([&action] {
+        if (hold) take_stop_signals();
+        action.run = connect;
+    });
 
     auto *get = data->add_subcommand("query", "IPv6 address of an active call");
     get->add_option("ID", call_id)->required()->check(CLI::Range(0, 255));

@@ -7,6 +7,7 @@
 
 namespace nkwctl {
 
+namespace device_group {
 namespace {
 
 constexpr TextItem kItems[] = {
@@ -27,8 +28,10 @@ int show(const Options &options) {
 }
 
 }  // namespace
+}  // namespace device_group
 
 void add_device(CLI::App &app, Action &action) {
+    using namespace device_group;
     auto *cmd =
         app.add_subcommand("device", "IMEI, model, chip, firmware, PID/VID, date, card detect");
     cmd->callback([&action] { action.run = show; });

@@ -10,6 +10,7 @@
 
 namespace nkwctl {
 
+namespace flash_group {
 namespace {
 
 // More than a bug report needs, well under what a small module can hold.
@@ -133,8 +134,10 @@ void add_range(CLI::App *cmd, bool with_length) {
 }
 
 }  // namespace
+}  // namespace flash_group
 
 void add_flash(CLI::App &app, Action &action) {
+    using namespace flash_group;
     auto *flash = app.add_subcommand("flash", "raw flash partitions and the flash region");
     flash->require_subcommand(1);
     flash->add_subcommand("list", "the MTD partitions: name, size, erase size")

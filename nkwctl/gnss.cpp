@@ -10,6 +10,7 @@
 
 namespace nkwctl {
 
+namespace gnss_group {
 namespace {
 
 constexpr unsigned int kDefaultSeconds = 30;
@@ -104,8 +105,10 @@ void choose(Action &action, int (*run)(const Options &)) {
 }
 
 }  // namespace
+}  // namespace gnss_group
 
 void add_gnss(CLI::App &app, Action &action) {
+    using namespace gnss_group;
     auto *gnss = app.add_subcommand("gnss", "position fix, AGPS and NMEA parsing");
     gnss->require_subcommand(1);
     auto *get = gnss->add_subcommand("fix", "start the receiver and wait for a valid fix");

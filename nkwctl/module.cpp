@@ -8,6 +8,7 @@
 
 namespace nkwctl {
 
+namespace module_group {
 namespace {
 
 constexpr unsigned int kDefaultRandom = 16;
@@ -63,8 +64,10 @@ constexpr Step kSteps[] = {
 };
 
 }  // namespace
+}  // namespace module_group
 
 void add_module(CLI::App &app, Action &action) {
+    using namespace module_group;
     auto *module = app.add_subcommand("module", "IPC mode, reboot, SIM reset, pins, USB, SAR");
     module->callback([&action] {
         if (!action.run) {

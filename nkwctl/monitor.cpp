@@ -1,7 +1,6 @@
 // monitor: every indication the library offers, one event per line, until
 // interrupted (or --count events, or --seconds).
 #include <nkw_pal.h>
-#include <signal.h>
 
 #include <atomic>
 #include <chrono>
@@ -11,9 +10,11 @@
 #include <nlohmann/json.hpp>
 
 #include "commands.h"
+#include "stop_signal.h"
 
 namespace nkwctl {
 
+namespace monitor_group {
 namespace {
 
 using Fields = std::vector<std::pair<std::string, nlohmann::json>>;
@@ -108,14 +109,6 @@ constexpr Subscription kSubscriptions[] = {
      [] { return nkw_pal_mbim_lpa_auth_server_apdu_indication_register(on_lpa, nullptr); }},
 };
 
-sigset_t stop_signals() {
-    sigset_t set;
-    sigemptyset(&set);
-    sigaddset(&set, SIGINT);
-    sigaddset(&set, SIGTERM);
-    return set;
-}
-
 int run(const Options &options) {
     chosen = &options;
     for (const Subscription &s : kSubscriptions) {
@@ -123,11 +116,13 @@ int run(const Options &options) {
         if (status != 0)
             return fail(std::string("monitor ") + s.name, status, "the subscription was refused");
     }
-    const sigset_t set = stop_signals();
+    // Scripts wait for this line before they make the first event happen.
+    std::cerr << "monitor: ready, " << std::size(kSubscriptions)
+              << " indications subscribed; Ctrl-C stops" << std::endl;
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(seconds);
     const timespec poll = {0, 100 * 1000 * 1000};
     for (;;) {
-        if (sigtimedwait(&set, nullptr, &poll) > 0) break;
+        if (stop_requested(poll)) break;
         if (count != 0 && events.load() >= count) break;
         if (seconds != 0 && std::chrono::steady_clock::now() >= deadline) break;
     }
@@ -138,21 +133,16 @@ int run(const Options &options) {
 }
 
 }  // namespace
+}  // namespace monitor_group
 
 void add_monitor(CLI::App &app, Action &action) {
+    using namespace monitor_group;
     auto *monitor = app.add_subcommand(
         "monitor", "print every indication, one event per line, until interrupted");
     monitor->add_option("--count", count, "stop after this many events");
     monitor->add_option("--seconds", seconds, "stop after this many seconds");
     monitor->callback([&action] {
-        // Blocked before the modem library starts its threads, so that only
-        // the wait below takes them.
-        // A shell's background job inherits SIGINT ignored, and an ignored
-        // signal never becomes pending: take both back first.
-        signal(SIGINT, SIG_DFL);
-        signal(SIGTERM, SIG_DFL);
-        const sigset_t set = stop_signals();
-        pthread_sigmask(SIG_BLOCK, &set, nullptr);
+        take_stop_signals();
         action.run = run;
     });
 }

@@ -5,6 +5,7 @@
 
 namespace nkwctl {
 
+namespace net_group {
 namespace {
 
 int show(const Options &options) {
@@ -61,8 +62,10 @@ int apn(const Options &options) {
 }
 
 }  // namespace
+}  // namespace net_group
 
 void add_net(CLI::App &app, Action &action) {
+    using namespace net_group;
     auto *net = app.add_subcommand("net", "registration, cell, signal, radio, attach APN");
     net->callback([&action] {
         if (!action.run) action.run = show;

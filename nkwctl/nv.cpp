@@ -7,6 +7,7 @@
 
 namespace nkwctl {
 
+namespace nv_group {
 namespace {
 
 constexpr unsigned int kDefaultLength = 64;
@@ -86,8 +87,10 @@ CLI::App *with_id(CLI::App *cmd) {
 }
 
 }  // namespace
+}  // namespace nv_group
 
 void add_nv(CLI::App &app, Action &action) {
+    using namespace nv_group;
     auto *nv = app.add_subcommand("nv", "NV item table and items");
     nv->require_subcommand(1);
     nv->add_subcommand("list", "the table: modem LID, position, file")->callback([&action] {

@@ -7,6 +7,7 @@
 
 namespace nkwctl {
 
+namespace sim_group {
 namespace {
 
 constexpr int32_t kSimCount = 2;
@@ -39,8 +40,10 @@ int slot_get(const Options &options) {
 }
 
 }  // namespace
+}  // namespace sim_group
 
 void add_sim(CLI::App &app, Action &action) {
+    using namespace sim_group;
     auto *sim = app.add_subcommand("sim", "SIM status, identity, slot and PIN");
     sim->require_subcommand(1);
     sim->add_subcommand("status", "status of both SIMs and identity of the active one")

@@ -8,6 +8,7 @@
 
 namespace nkwctl {
 
+namespace sim_inject_group {
 namespace {
 
 constexpr const char *kSocketEnv = "NKW_PAL_SIM_CONTROL";
@@ -27,8 +28,10 @@ int inject(const Options &) {
 }
 
 }  // namespace
+}  // namespace sim_inject_group
 
 void add_sim_inject(CLI::App &app, Action &action) {
+    using namespace sim_inject_group;
     auto *cmd = app.add_subcommand(
         "sim-inject",
         "push events (JSON, as in a scenario timeline) into a running simulated modem");

@@ -5,6 +5,7 @@
 
 namespace nkwctl {
 
+namespace sms_group {
 namespace {
 
 constexpr uint32_t kSimId = 0;  // the library ignores it
@@ -36,8 +37,10 @@ int remove_all(const Options &) {
 }
 
 }  // namespace
+}  // namespace sms_group
 
 void add_sms(CLI::App &app, Action &action) {
+    using namespace sms_group;
     auto *sms = app.add_subcommand("sms", "read and delete stored messages");
     sms->require_subcommand(1);
     auto *rd = sms->add_subcommand("read", "decoded text of the message at INDEX");

@@ -8,6 +8,7 @@
 
 namespace nkwctl {
 
+namespace time_group {
 namespace {
 
 constexpr uint32_t kNoTicks = 0xFFFFFFFF;
@@ -91,8 +92,10 @@ int set(const Options &options) {
 }
 
 }  // namespace
+}  // namespace time_group
 
 void add_time(CLI::App &app, Action &action) {
+    using namespace time_group;
     auto *time = app.add_subcommand("time", "local time, uptime and the modem's time");
     time->callback([&action] {
         if (!action.run) action.run = show;

@@ -61,6 +61,7 @@ expected=(
     '^sms_new index='                          # injected events, as monitor prints them
     '^register_state '
     '^hotplug plugged=1'
+    '^data connect: call [0-9]+ released'      # the disconnect
     'user\.[a-z]+ nkwctl(\[[0-9]+\])?: -\['      # the library's lines in logread
 )
 check_output() {

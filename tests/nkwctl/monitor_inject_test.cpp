@@ -2,33 +2,22 @@
 // control socket, as a daemon developer reproduces a field problem: each
 // injected event is printed once, and an interrupt ends the monitor cleanly.
 #include <gtest/gtest.h>
-#include <signal.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
-#include <chrono>
 #include <cstdlib>
 #include <cstring>
-#include <fstream>
-#include <sstream>
 #include <string>
-#include <thread>
 
+#include "run.h"
 #include "support/sandbox.h"
 
 namespace {
 
+using nkw::test::Background;
 using nkw::test::Sandbox;
-
-std::string slurp(const std::string &path) {
-    std::ifstream in(path);
-    std::stringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
 
 // Sends one event line and returns the socket's answer line ("" when it
 // cannot be reached).
@@ -48,56 +37,16 @@ std::string inject(const std::string &socket_path, const std::string &event) {
     return answer;
 }
 
-// The monitor as its own process, its output in the sandbox.
-class Monitor {
-   public:
-    Monitor(const std::string &socket_path, const std::string &out) {
-        // Subscriptions last for the process by design: no leak report at exit.
-        setenv("ASAN_OPTIONS", "detect_leaks=0", 1);
-        setenv("NKW_PAL_SIM_CONTROL", socket_path.c_str(), 1);
-        const std::string line = std::string("exec ") + NKW_PAL_NKWCTL + " -K monitor >" + out;
-        pid_ = fork();
-        if (pid_ == 0) {
-            execl("/bin/sh", "sh", "-c", line.c_str(), static_cast<char *>(nullptr));
-            _exit(127);
-        }
-        unsetenv("NKW_PAL_SIM_CONTROL");
-    }
-    ~Monitor() {
-        if (pid_ > 0 && !stopped_) {
-            kill(pid_, SIGKILL);
-            waitpid(pid_, nullptr, 0);
-        }
-    }
-    // Interrupts it; its exit status, or -1 if it did not exit by itself.
-    int interrupt() {
-        kill(pid_, SIGINT);
-        int raw = 0;
-        waitpid(pid_, &raw, 0);
-        stopped_ = true;
-        return WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
-    }
-
-   private:
-    pid_t pid_ = -1;
-    bool stopped_ = false;
-};
-
 TEST(NkwctlMonitor, InjectedEventsArePrintedOneEachUntilInterrupted) {
     const std::string socket_path = Sandbox::current().path("/sim.sock");
-    const std::string out = Sandbox::current().path("/monitor.out");
-    Monitor monitor(socket_path, out);
-
-    // The socket opens with the session, the subscriptions follow: a probe is
-    // injected until the monitor prints it, so nothing later can be missed.
-    const std::string probe = R"({"event": "hotplug", "cause": 12})";
-    const std::string probed = "hotplug.plugged : 1\n";
-    const auto give_up = std::chrono::steady_clock::now() + std::chrono::seconds(30);
-    while (slurp(out) != probed && std::chrono::steady_clock::now() < give_up) {
-        inject(socket_path, probe);
-        if (slurp(out) != probed) std::this_thread::sleep_for(std::chrono::milliseconds(50));
-    }
-    ASSERT_EQ(probed, slurp(out));
+    // Subscriptions last for the process by design: no leak report at exit.
+    setenv("ASAN_OPTIONS", "detect_leaks=0", 1);
+    setenv("NKW_PAL_SIM_CONTROL", socket_path.c_str(), 1);
+    Background monitor("-K monitor");
+    unsetenv("NKW_PAL_SIM_CONTROL");
+    // The socket opens with the session, the subscriptions follow: events
+    // are made to happen once the monitor says it is ready.
+    ASSERT_TRUE(monitor.wait_for_err("monitor: ready")) << monitor.err();
 
     const struct {
         const char *event;
@@ -117,19 +66,19 @@ TEST(NkwctlMonitor, InjectedEventsArePrintedOneEachUntilInterrupted) {
         {R"({"event": "mbim_connect_status", "status": 3, "apn": "internet"})",  // disconnected
          "mbim_connect.connected : 0\nmbim_connect.apn : \"internet\"\n"},
     };
-    std::string expected = probed;
+    std::string expected;
     for (const auto &c : cases) {
         SCOPED_TRACE(c.event);
         EXPECT_EQ("ok", inject(socket_path, c.event));
         expected += c.printed;
-        EXPECT_EQ(expected, slurp(out));
+        EXPECT_EQ(expected, monitor.out());
     }
     // A refused line is answered and prints nothing.
     EXPECT_EQ(0u, inject(socket_path, R"({"event": "mbim_open"})").rfind("error at /status", 0));
-    EXPECT_EQ(expected, slurp(out));
+    EXPECT_EQ(expected, monitor.out());
 
     EXPECT_EQ(0, monitor.interrupt());
-    EXPECT_EQ(expected, slurp(out));
+    EXPECT_EQ(expected, monitor.out());
     struct stat gone {};
     EXPECT_NE(0, stat(socket_path.c_str(), &gone)) << "the session's end removes its socket";
 }

@@ -1,7 +1,6 @@
 // nkwctl against the simulated modem's defaults, run as its own process in
 // the test's sandbox (the sandboxed library relocates every host path).
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 
 #include <cstdlib>
 #include <string>
@@ -104,13 +103,18 @@ TEST(Nkwctl, MonitorEndsCleanlyOnItsTimeOrAnInterrupt) {
     // unsubscription), so a leak checker would report them at exit.
     setenv("ASAN_OPTIONS", "detect_leaks=0", 1);
     EXPECT_EQ(0, nkwctl("-J monitor --seconds 1").status);
-    const std::string root = nkw::test::Sandbox::current().root();
-    const std::string line = std::string("(") + NKW_PAL_NKWCTL + " monitor >" + root +
-                             "/m.out 2>&1 & pid=$!; sleep 0.5; kill -INT $pid; wait $pid)";
-    const int raw = std::system(line.c_str());
-    ASSERT_TRUE(WIFEXITED(raw));
-    EXPECT_EQ(0, WEXITSTATUS(raw));
-    EXPECT_EQ("", slurp(root + "/m.out"));
+    nkw::test::Background monitor("monitor");
+    ASSERT_TRUE(monitor.wait_for_err("monitor: ready")) << monitor.err();
+    EXPECT_EQ(0, monitor.interrupt());
+    EXPECT_EQ("", monitor.out());
+}
+
+TEST(Nkwctl, HeldDataCallIsReleasedOnInterrupt) {
+    nkw::test::Background call("-K data connect internet --hold");
+    ASSERT_TRUE(call.wait_for_err("holding call 1")) << call.err();
+    EXPECT_NE(std::string::npos, call.out().find("data.call_id : 1\n")) << call.out();
+    EXPECT_EQ(0, call.interrupt());
+    EXPECT_NE(std::string::npos, call.err().find("data connect: call 1 released")) << call.err();
 }
 
 TEST(Nkwctl, PeopleSeeAlignedColumns) {

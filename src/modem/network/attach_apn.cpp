@@ -2,6 +2,7 @@
 #include <cstring>
 
 #include "diag/log.h"
+#include "modem/answer_check.h"
 #include "modem/info_tag.h"
 #include "modem/mipc.h"
 #include "nkw_pal/info.h"
@@ -17,10 +18,7 @@ static_assert(sizeof(attach_apn_info::password) == MIPC_APN_IA_PASSWORD_LEN, "pa
 extern "C" {
 
 int32_t nkw_pal_get_attach_apn(attach_apn_info *info) {
-    if (info == nullptr) {
-        NKW_LOGE(kTag, "get attach_apn_info failed for param \n");
-        return NKW_PAL_INVALID_ARG;
-    }
+    if (!nkw::info::argument_given(info, __func__, "attach_apn_info")) return NKW_PAL_INVALID_ARG;
     auto record = nkw::HeapRecord<mipc_apn_ia_struct_v>::allocate();
     if (!record) {
         NKW_LOGE(kTag, "malloc result_ptr failed, not enough memory \n");

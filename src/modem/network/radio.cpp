@@ -2,6 +2,7 @@
 #include <cstring>
 
 #include "diag/log.h"
+#include "modem/answer_check.h"
 #include "modem/info_tag.h"
 #include "modem/mipc.h"
 #include "nkw_pal/info.h"
@@ -26,10 +27,7 @@ int32_t nkw_pal_get_radio_state(uint32_t *state) {
              record.hw_state);
     // Checked only after the query, so the modem sees the same calls; a null
     // output is refused rather than written through.
-    if (state == nullptr) {
-        NKW_LOGE(kTag, "get radio state failed for param \n");
-        return NKW_PAL_FAIL;
-    }
+    if (!nkw::info::argument_given(state, __func__, "radio state")) return NKW_PAL_FAIL;
     *state = record.sw_state != 0 && record.hw_state != 0 ? 1 : 0;
     return NKW_PAL_OK;
 }

@@ -35,6 +35,23 @@ bool answer_ok(const char *func, const char *what, mipc_result_enum result, uint
     return true;
 }
 
+bool call_ok(const char *func, const char *call, mipc_result_enum result, uint32_t result_code,
+             CodeLabel label) {
+    if (result != MIPC_RESULT_SUCCESS) {
+        NKW_LOGE_IN(func, kTag, "%s failed, api_result=%d. \n", call, result);
+        return false;
+    }
+    if (result_code != 0) {
+        if (label == CodeLabel::kResultCode) {
+            NKW_LOGE_IN(func, kTag, "%s result_code=%d. \n", call, result_code);
+        } else {
+            NKW_LOGE_IN(func, kTag, "%s result=%d. \n", call, result_code);
+        }
+        return false;
+    }
+    return true;
+}
+
 bool at_answer(const char *func, const char *what, const char *command,
                mipc_sys_at_struct &record) {
     std::memset(&record, 0, sizeof record);

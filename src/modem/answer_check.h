@@ -20,6 +20,15 @@ bool argument_given(const void *argument, const char *func, const char *what);
 bool answer_ok(const char *func, const char *what, mipc_result_enum result, uint32_t result_code,
                Spacing spacing = Spacing::kSpaced);
 
+// How the queries that name the modem call label its result code.
+enum class CodeLabel : uint8_t { kResult, kResultCode };
+
+// The same judgement for the queries that log the modem call's own name:
+// "<call> failed, api_result=%d. ", then "<call> result=%d. " (or
+// "result_code=%d. ").
+bool call_ok(const char *func, const char *call, mipc_result_enum result, uint32_t result_code,
+             CodeLabel label);
+
 // Sends `command` through the modem's AT channel into `record` (zeroed
 // first) and judges the answer as answer_ok does.
 bool at_answer(const char *func, const char *what, const char *command, mipc_sys_at_struct &record);

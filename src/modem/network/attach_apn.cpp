@@ -25,12 +25,8 @@ int32_t nkw_pal_get_attach_apn(attach_apn_info *info) {
         return NKW_PAL_FAIL;
     }
     mipc_result_enum result = mipc_apn_ia_get_sync(MIPC_PS_ALL, record.get());
-    if (result != MIPC_RESULT_SUCCESS) {
-        NKW_LOGE(kTag, "mipc_apn_ia_get_sync failed, api_result=%d. \n", result);
-        return NKW_PAL_FAIL;
-    }
-    if (record->result_code != 0) {
-        NKW_LOGE(kTag, "mipc_apn_ia_get_sync result_code=%d. \n", record->result_code);
+    if (!nkw::info::call_ok(__func__, "mipc_apn_ia_get_sync", result, record->result_code,
+                            nkw::info::CodeLabel::kResultCode)) {
         return NKW_PAL_FAIL;
     }
     if (record->apn_list_count == 0) {
@@ -62,12 +58,8 @@ int32_t nkw_pal_set_attach_apn(const attach_apn_info *info) {
     mipc_result_enum result = mipc_apn_ia_set_sync(
         MIPC_PS_ALL, &record, info->apn, info->pdp_type, info->roaming_pdp_type, info->auth_type,
         info->username, info->password, info->option, info->compression);
-    if (result != MIPC_RESULT_SUCCESS) {
-        NKW_LOGE(kTag, "mipc_apn_ia_set_sync failed, api_result=%d. \n", result);
-        return NKW_PAL_FAIL;
-    }
-    if (record.result_code != 0) {
-        NKW_LOGE(kTag, "mipc_apn_ia_set_sync result_code=%d. \n", record.result_code);
+    if (!nkw::info::call_ok(__func__, "mipc_apn_ia_set_sync", result, record.result_code,
+                            nkw::info::CodeLabel::kResultCode)) {
         return NKW_PAL_FAIL;
     }
     return NKW_PAL_OK;

@@ -11,6 +11,7 @@ namespace {
 
 constexpr const char *kTag = "FLASH";
 constexpr const char kPartition[] = "mddata_bak";
+constexpr char kMissing[] = "Can't find part \n";  // read and write; erase adds a full stop
 
 // The sum is taken in 32 bits: existing callers see a wrapping range pass
 // here (the block layer refuses it).
@@ -35,8 +36,6 @@ int32_t locate(const char *func, const char *missing, unsigned int offset, unsig
     }
     return NKW_PAL_OK;
 }
-
-constexpr char kMissing[] = "Can't find part \n";
 
 }  // namespace
 

@@ -34,6 +34,20 @@ char *write_unsigned(uint32_t value, uint32_t radix, char *at) {
     return at;
 }
 
+// Both arguments of a text-to-number conversion; false, once the missing
+// one is logged under the caller's name.
+bool arguments_given(const char *func, const char *text, const void *result) {
+    if (text == nullptr) {
+        NKW_LOGE_IN(func, kUtilsTag, "str is null \n");
+        return false;
+    }
+    if (result == nullptr) {
+        NKW_LOGE_IN(func, kUtilsTag, "result is null \n");
+        return false;
+    }
+    return true;
+}
+
 }  // namespace
 
 extern "C" {
@@ -79,14 +93,7 @@ char *nkw_pal_itoa(int32_t value, char *buf, int32_t radix) {
 }
 
 int32_t nkw_pal_strtoint32(const char *text, int32_t *result) {
-    if (text == nullptr) {
-        NKW_LOGE(kUtilsTag, "str is null \n");
-        return -1;
-    }
-    if (result == nullptr) {
-        NKW_LOGE(kUtilsTag, "result is null \n");
-        return -1;
-    }
+    if (!arguments_given(__func__, text, result)) return -1;
     char *end = nullptr;
     long value = std::strtol(text, &end, kDecimal);
     if (*end != '\0') {
@@ -98,14 +105,7 @@ int32_t nkw_pal_strtoint32(const char *text, int32_t *result) {
 }
 
 int32_t nkw_pal_strtouint32(const char *text, uint32_t *result) {
-    if (text == nullptr) {
-        NKW_LOGE(kUtilsTag, "str is null \n");
-        return -1;
-    }
-    if (result == nullptr) {
-        NKW_LOGE(kUtilsTag, "result is null \n");
-        return -1;
-    }
+    if (!arguments_given(__func__, text, result)) return -1;
     char *end = nullptr;
     unsigned long value = std::strtoul(text, &end, kDecimal);
     if (*end != '\0') {

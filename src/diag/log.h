@@ -24,3 +24,12 @@ inline bool enabled(uint32_t level) {
 #define NKW_LOGI(tag, fmt, ...) NKW_LOG_AT(NKW_PAL_LOG_INFO, nkw_pal_logi, tag, fmt, ##__VA_ARGS__)
 #define NKW_LOGD(tag, fmt, ...) NKW_LOG_AT(NKW_PAL_LOG_DEBUG, nkw_pal_logd, tag, fmt, ##__VA_ARGS__)
 #define NKW_LOGT(tag, fmt, ...) NKW_LOG_AT(NKW_PAL_LOG_TRACE, nkw_pal_logt, tag, fmt, ##__VA_ARGS__)
+
+// The same lines for shared helpers that log on behalf of a caller: `func` is
+// the caller's __func__, so the prefix names the caller, not the helper.
+#define NKW_LOG_IN(func, level, writer, tag, fmt, ...) \
+    (nkw::diag::enabled(level) ? writer(tag, "[%s:%d]-" fmt, func, __LINE__, ##__VA_ARGS__) : 0)
+#define NKW_LOGE_IN(func, tag, fmt, ...) \
+    NKW_LOG_IN(func, NKW_PAL_LOG_ERROR, nkw_pal_loge, tag, fmt, ##__VA_ARGS__)
+#define NKW_LOGI_IN(func, tag, fmt, ...) \
+    NKW_LOG_IN(func, NKW_PAL_LOG_INFO, nkw_pal_logi, tag, fmt, ##__VA_ARGS__)

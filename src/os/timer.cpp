@@ -54,6 +54,20 @@ int read_time(timer_info *handle, itimerspec *setting) {
     return timer_gettime(handle->timer_id, setting) != 0 ? errno : 0;
 }
 
+// The remaining time and period of a timer; false, once logged under the
+// caller's name, when there is no handle or the time cannot be read.
+bool read_setting(const char *func, timer_info *handle, itimerspec *setting) {
+    if (handle == nullptr) {
+        NKW_LOGE_IN(func, kTag, "The input parameter is incorrect \n");
+        return false;
+    }
+    if (int err = read_time(handle, setting)) {
+        NKW_LOGE_IN(func, kTag, "timer_gettime failed cause: %d %s \n", err, strerror(err));
+        return false;
+    }
+    return true;
+}
+
 bool nonzero(const timespec &t) {
     return t.tv_sec != 0 || t.tv_nsec != 0;
 }
@@ -136,28 +150,14 @@ int32_t nkw_pal_timer_delete(timer_info **handle) {
 }
 
 int32_t nkw_pal_timer_isRunning(timer_info *handle) {
-    if (handle == nullptr) {
-        NKW_LOGE(kTag, "The input parameter is incorrect \n");
-        return 0;
-    }
     itimerspec setting;
-    if (int err = read_time(handle, &setting)) {
-        NKW_LOGE(kTag, "timer_gettime failed cause: %d %s \n", err, strerror(err));
-        return 0;
-    }
+    if (!read_setting(__func__, handle, &setting)) return 0;
     return nonzero(setting.it_value) || nonzero(setting.it_interval) ? 1 : 0;
 }
 
 int32_t nkw_pal_timer_isPeriodic(timer_info *handle) {
-    if (handle == nullptr) {
-        NKW_LOGE(kTag, "The input parameter is incorrect \n");
-        return 0;
-    }
     itimerspec setting;
-    if (int err = read_time(handle, &setting)) {
-        NKW_LOGE(kTag, "timer_gettime failed cause: %d %s \n", err, strerror(err));
-        return 0;
-    }
+    if (!read_setting(__func__, handle, &setting)) return 0;
     return nonzero(setting.it_interval) ? 1 : 0;
 }
 

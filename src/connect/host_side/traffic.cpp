@@ -27,6 +27,41 @@ bool counter_path(char (&path)[kPathSize], const char *pattern, const char *ifna
     return n > 0 && static_cast<size_t>(n) < sizeof path;
 }
 
+// What tells the rx and tx reads apart in the log.
+struct CounterLabels {
+    const char *path;
+    const char *open;
+};
+constexpr CounterLabels kRxLabels{"path url", "open fd"};
+constexpr CounterLabels kTxLabels{"path2 url", "open fd2"};
+
+// One counter of `ifname` into `out`; false once the failure is logged under
+// the caller's name. Only -1 from read fails: an empty counter reads as 0.
+bool read_counter(const char *func, const char *pattern, const char *ifname,
+                  const CounterLabels &labels, uint32_t *out) {
+    char path[kPathSize];
+    if (!counter_path(path, pattern, ifname)) {
+        NKW_LOGE_IN(func, kTag, "[TRAFFIC]: interface name too long: %s \n", ifname);
+        return false;
+    }
+    NKW_LOGI_IN(func, kTag, "[TRAFFIC]: %s: %s \n", labels.path, path);
+    int fd = open(nkw::host::Path(path).c_str(), O_RDONLY);
+    if (fd < 0) {
+        NKW_LOGE_IN(func, kTag, "[TRAFFIC]:%s failed \n", labels.open);
+        return false;
+    }
+    char value[kValueSize];
+    std::memset(value, 0, sizeof value);
+    if (read(fd, value, kValueRead) == -1) {
+        NKW_LOGE_IN(func, kTag, "[TRAFFIC]:read fd failed \n");
+        close(fd);
+        return false;
+    }
+    *out = static_cast<uint32_t>(nkw_pal_atoi(value));
+    close(fd);
+    return true;
+}
+
 }  // namespace
 
 extern "C" int32_t nkw_pal_get_traffic_by_interface_name(const char *ifname, uint32_t *tx_bytes,
@@ -36,46 +71,10 @@ extern "C" int32_t nkw_pal_get_traffic_by_interface_name(const char *ifname, uin
         NKW_LOGE(kTag, "[TRAFFIC]: invalid param! \n");
         return NKW_PAL_FAIL;
     }
-    char path[kPathSize];
-    char value[kValueSize];
-
-    if (!counter_path(path, nkw::host::paths::kRxBytesPattern, ifname)) {
-        NKW_LOGE(kTag, "[TRAFFIC]: interface name too long: %s \n", ifname);
+    if (!read_counter(__func__, nkw::host::paths::kRxBytesPattern, ifname, kRxLabels, rx_bytes) ||
+        !read_counter(__func__, nkw::host::paths::kTxBytesPattern, ifname, kTxLabels, tx_bytes)) {
         return NKW_PAL_FAIL;
     }
-    NKW_LOGI(kTag, "[TRAFFIC]: path url: %s \n", path);
-    int fd = open(nkw::host::Path(path).c_str(), O_RDONLY);
-    if (fd < 0) {
-        NKW_LOGE(kTag, "[TRAFFIC]:open fd failed \n");
-        return NKW_PAL_FAIL;
-    }
-    std::memset(value, 0, sizeof value);
-    // Only -1 fails: an empty counter reads as 0.
-    if (read(fd, value, kValueRead) == -1) {
-        NKW_LOGE(kTag, "[TRAFFIC]:read fd failed \n");
-        close(fd);
-        return NKW_PAL_FAIL;
-    }
-    *rx_bytes = static_cast<uint32_t>(nkw_pal_atoi(value));
-    close(fd);
-
-    // Same length as the rx path, which fitted.
-    counter_path(path, nkw::host::paths::kTxBytesPattern, ifname);
-    NKW_LOGI(kTag, "[TRAFFIC]: path2 url: %s \n", path);
-    fd = open(nkw::host::Path(path).c_str(), O_RDONLY);
-    if (fd < 0) {
-        NKW_LOGE(kTag, "[TRAFFIC]:open fd2 failed \n");
-        return NKW_PAL_FAIL;
-    }
-    std::memset(value, 0, sizeof value);
-    if (read(fd, value, kValueRead) == -1) {
-        NKW_LOGE(kTag, "[TRAFFIC]:read fd failed \n");
-        close(fd);
-        return NKW_PAL_FAIL;
-    }
-    *tx_bytes = static_cast<uint32_t>(nkw_pal_atoi(value));
-    close(fd);
-
     NKW_LOGD(kTag, "[TRAFFIC]: get success, get tx:%d, rx:%d \n", *tx_bytes, *rx_bytes);
     return NKW_PAL_OK;
 }

@@ -2,6 +2,7 @@
 #include <cstring>
 
 #include "diag/log.h"
+#include "modem/answer_check.h"
 #include "modem/info_tag.h"
 #include "modem/mipc.h"
 #include "nkw_pal/info.h"
@@ -17,21 +18,11 @@ constexpr char kModel[] = "QV770K-XB";
 extern "C" {
 
 int32_t nkw_pal_get_imei(char *imei) {
-    if (imei == nullptr) {
-        NKW_LOGE(kTag, "get imei failed for param \n");
-        return NKW_PAL_INVALID_ARG;
-    }
+    if (!nkw::info::argument_given(imei, __func__, "imei")) return NKW_PAL_INVALID_ARG;
     mipc_sys_info_struct record;
     std::memset(&record, 0, sizeof record);
     mipc_result_enum result = mipc_sys_info_get_sync(MIPC_PS_ALL, &record);
-    if (result != MIPC_RESULT_SUCCESS) {
-        NKW_LOGE(kTag, "get imei failed for result: %d \n", result);
-        return NKW_PAL_FAIL;
-    }
-    if (record.result_code != 0) {
-        NKW_LOGE(kTag, "operater success, but excute result: %d \n", record.result_code);
-        return NKW_PAL_FAIL;
-    }
+    if (!nkw::info::answer_ok(__func__, "imei", result, record.result_code)) return NKW_PAL_FAIL;
     size_t length = strnlen(record.imei, sizeof record.imei);
     if (length == 0) {
         NKW_LOGE(kTag, "get imei failed for IMEI is null \n");
@@ -43,10 +34,7 @@ int32_t nkw_pal_get_imei(char *imei) {
 }
 
 int32_t nkw_pal_get_model(char *model) {
-    if (model == nullptr) {
-        NKW_LOGE(kTag, "get model failed for param \n");
-        return NKW_PAL_FAIL;
-    }
+    if (!nkw::info::argument_given(model, __func__, "model")) return NKW_PAL_FAIL;
     std::memcpy(model, kModel, sizeof kModel - 1);
     return NKW_PAL_OK;
 }

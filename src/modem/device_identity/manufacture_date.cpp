@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "diag/log.h"
+#include "modem/answer_check.h"
 #include "modem/info_tag.h"
 #include "nkw_pal/info.h"
 #include "nkw_pal/modem.h"
@@ -66,10 +67,7 @@ void nkw_pal_get_date_string(const char *response, int *year, int *month) {
 }  // namespace
 
 extern "C" int32_t nkw_pal_get_manufacture_date(char *date) {
-    if (date == nullptr) {
-        NKW_LOGE(kTag, "get manufacture date failed for param \n");
-        return NKW_PAL_INVALID_ARG;
-    }
+    if (!nkw::info::argument_given(date, __func__, "manufacture date")) return NKW_PAL_INVALID_ARG;
     char response[kResponseSize];
     std::memset(response, 0, sizeof response);
     uint32_t length = 0;

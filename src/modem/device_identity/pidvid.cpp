@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "diag/log.h"
+#include "modem/answer_check.h"
 #include "modem/info_tag.h"
 #include "nkw_pal/info.h"
 #include "nkw_pal/storage.h"
@@ -25,10 +26,7 @@ constexpr size_t kTextSize = 9;  // two 16-bit ids in hex and the NUL
 }  // namespace
 
 extern "C" int32_t nkw_pal_get_pidvid(char *pidvid) {
-    if (pidvid == nullptr) {
-        NKW_LOGE(kTag, "get pidvid failed for param \n");
-        return NKW_PAL_INVALID_ARG;
-    }
+    if (!nkw::info::argument_given(pidvid, __func__, "pidvid")) return NKW_PAL_INVALID_ARG;
     SubsystemIds ids{};
     int ret = nkw_pal_nvm_read(kPidVidItem, reinterpret_cast<unsigned char *>(&ids), sizeof ids);
     if (ret != 0) {

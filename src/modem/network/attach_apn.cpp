@@ -2,6 +2,7 @@
 #include <cstring>
 
 #include "diag/log.h"
+#include "modem/answer_check.h"
 #include "modem/info_tag.h"
 #include "modem/mipc.h"
 #include "nkw_pal/info.h"
@@ -17,22 +18,15 @@ static_assert(sizeof(attach_apn_info::password) == MIPC_APN_IA_PASSWORD_LEN, "pa
 extern "C" {
 
 int32_t nkw_pal_get_attach_apn(attach_apn_info *info) {
-    if (info == nullptr) {
-        NKW_LOGE(kTag, "get attach_apn_info failed for param \n");
-        return NKW_PAL_INVALID_ARG;
-    }
+    if (!nkw::info::argument_given(info, __func__, "attach_apn_info")) return NKW_PAL_INVALID_ARG;
     auto record = nkw::HeapRecord<mipc_apn_ia_struct_v>::allocate();
     if (!record) {
         NKW_LOGE(kTag, "malloc result_ptr failed, not enough memory \n");
         return NKW_PAL_FAIL;
     }
     mipc_result_enum result = mipc_apn_ia_get_sync(MIPC_PS_ALL, record.get());
-    if (result != MIPC_RESULT_SUCCESS) {
-        NKW_LOGE(kTag, "mipc_apn_ia_get_sync failed, api_result=%d. \n", result);
-        return NKW_PAL_FAIL;
-    }
-    if (record->result_code != 0) {
-        NKW_LOGE(kTag, "mipc_apn_ia_get_sync result_code=%d. \n", record->result_code);
+    if (!nkw::info::call_ok(__func__, "mipc_apn_ia_get_sync", result, record->result_code,
+                            nkw::info::CodeLabel::kResultCode)) {
         return NKW_PAL_FAIL;
     }
     if (record->apn_list_count == 0) {
@@ -64,12 +58,8 @@ int32_t nkw_pal_set_attach_apn(const attach_apn_info *info) {
     mipc_result_enum result = mipc_apn_ia_set_sync(
         MIPC_PS_ALL, &record, info->apn, info->pdp_type, info->roaming_pdp_type, info->auth_type,
         info->username, info->password, info->option, info->compression);
-    if (result != MIPC_RESULT_SUCCESS) {
-        NKW_LOGE(kTag, "mipc_apn_ia_set_sync failed, api_result=%d. \n", result);
-        return NKW_PAL_FAIL;
-    }
-    if (record.result_code != 0) {
-        NKW_LOGE(kTag, "mipc_apn_ia_set_sync result_code=%d. \n", record.result_code);
+    if (!nkw::info::call_ok(__func__, "mipc_apn_ia_set_sync", result, record.result_code,
+                            nkw::info::CodeLabel::kResultCode)) {
         return NKW_PAL_FAIL;
     }
     return NKW_PAL_OK;

@@ -3,7 +3,9 @@
 
 #include <cstdint>
 
+#include "modem/answer_check.h"
 #include "modem/mipc.h"
+#include "os/heap_record.h"
 
 namespace nkw::info {
 
@@ -22,5 +24,22 @@ inline uint32_t walkable(const mipc_nw_cell_info_struct &record) {
     return record.cell_list_count < MIPC_NW_CELL_LIST_MAX ? record.cell_list_count
                                                           : MIPC_NW_CELL_LIST_MAX;
 }
+
+// The modem's cell list, judged and its count logged as `func`; empty (after
+// the log line) when it could not be had.
+HeapRecord<mipc_nw_cell_info_struct> fetch_cells(const char *func, const char *what,
+                                                 Spacing spacing);
+
+// Which identity of an entry a walk looks for.
+enum class CellIdentity : uint8_t { kCellId, kAreaCode };
+
+// The first entry with a valid identity: its value and type name ("LTE",
+// "NR", "GSM", "UMTS"), or a null type when no entry has one.
+struct ServingIdentity {
+    uint64_t value;
+    const char *type;
+};
+ServingIdentity serving_identity(const char *func, const mipc_nw_cell_info_struct &record,
+                                 CellIdentity which);
 
 }  // namespace nkw::info

@@ -1,5 +1,6 @@
 // The data class (radio access technology) of the current bearer.
 #include "diag/log.h"
+#include "modem/answer_check.h"
 #include "modem/info_tag.h"
 #include "modem/mipc.h"
 #include "nkw_pal/info.h"
@@ -18,22 +19,15 @@ constexpr uint32_t kGsmBits = 0x80010002;
 }  // namespace
 
 extern "C" int32_t nkw_pal_get_current_dataclass(uint16_t *dataclass) {
-    if (dataclass == nullptr) {
-        NKW_LOGE(kTag, "get current data failed for param \n");
-        return NKW_PAL_FAIL;
-    }
+    if (!nkw::info::argument_given(dataclass, __func__, "current data")) return NKW_PAL_FAIL;
     auto record = nkw::HeapRecord<mipc_nw_attach_state_struct>::allocate();
     if (!record) {
         NKW_LOGE(kTag, "malloc failed!!! \n \n");
         return NKW_PAL_FAIL;
     }
     mipc_result_enum result = mipc_nw_ps_get_sync(MIPC_PS_ALL, record.get());
-    if (result != MIPC_RESULT_SUCCESS) {
-        NKW_LOGE(kTag, "get nw_bearer failed for result:%d \n", result);
-        return NKW_PAL_FAIL;
-    }
-    if (record->result_code != 0) {
-        NKW_LOGE(kTag, "operater success, but excute result:%d \n", record->result_code);
+    if (!nkw::info::answer_ok(__func__, "nw_bearer", result, record->result_code,
+                              nkw::info::Spacing::kTight)) {
         return NKW_PAL_FAIL;
     }
     const uint32_t mask = record->data_class;

@@ -2,6 +2,7 @@
 #include <cstring>
 
 #include "diag/log.h"
+#include "modem/answer_check.h"
 #include "modem/info_tag.h"
 #include "modem/mipc.h"
 #include "nkw_pal/info.h"
@@ -14,22 +15,15 @@ int32_t nkw_pal_get_radio_state(uint32_t *state) {
     mipc_nw_radio_state_struct record;
     std::memset(&record, 0, sizeof record);
     mipc_result_enum result = mipc_nw_radio_state_get_sync(MIPC_PS_ALL, &record);
-    if (result != MIPC_RESULT_SUCCESS) {
-        NKW_LOGE(kTag, "mipc_nw_radio_state_get_sync failed, api_result=%d. \n", result);
-        return NKW_PAL_FAIL;
-    }
-    if (record.result_code != 0) {
-        NKW_LOGE(kTag, "mipc_nw_radio_state_get_sync result=%d. \n", record.result_code);
+    if (!nkw::info::call_ok(__func__, "mipc_nw_radio_state_get_sync", result, record.result_code,
+                            nkw::info::CodeLabel::kResult)) {
         return NKW_PAL_FAIL;
     }
     NKW_LOGI(kTag, "mipc_nw_radio_state_get_sync sw=%d, hw=%d. \n", record.sw_state,
              record.hw_state);
     // Checked only after the query, so the modem sees the same calls; a null
     // output is refused rather than written through.
-    if (state == nullptr) {
-        NKW_LOGE(kTag, "get radio state failed for param \n");
-        return NKW_PAL_FAIL;
-    }
+    if (!nkw::info::argument_given(state, __func__, "radio state")) return NKW_PAL_FAIL;
     *state = record.sw_state != 0 && record.hw_state != 0 ? 1 : 0;
     return NKW_PAL_OK;
 }
@@ -44,12 +38,8 @@ int32_t nkw_pal_set_radio_state(int32_t state) {
     mipc_nw_radio_state_struct record;
     std::memset(&record, 0, sizeof record);
     mipc_result_enum result = mipc_nw_final_radio_state_set_sync(MIPC_PS_ALL, &record, on, on);
-    if (result != MIPC_RESULT_SUCCESS) {
-        NKW_LOGE(kTag, "mipc_nw_final_radio_state_set_sync failed, api_result=%d. \n", result);
-        return NKW_PAL_FAIL;
-    }
-    if (record.result_code != 0) {
-        NKW_LOGE(kTag, "mipc_nw_final_radio_state_set_sync result=%d. \n", record.result_code);
+    if (!nkw::info::call_ok(__func__, "mipc_nw_final_radio_state_set_sync", result,
+                            record.result_code, nkw::info::CodeLabel::kResult)) {
         return NKW_PAL_FAIL;
     }
     NKW_LOGI(kTag, "mipc_nw_final_radio_state_set_sync success sw=%d, hw=%d. \n", on, on);

@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "diag/log.h"
+#include "modem/answer_check.h"
 #include "modem/info_tag.h"
 #include "nkw_pal/info.h"
 #include "nkw_pal/modem.h"
@@ -44,10 +45,7 @@ int decimal_value(const char *text) {
 }  // namespace
 
 extern "C" int32_t nkw_pal_get_rssi(int32_t *rssi) {
-    if (rssi == nullptr) {
-        NKW_LOGE(kTag, "get rssi failed for param \n");
-        return NKW_PAL_FAIL;
-    }
+    if (!nkw::info::argument_given(rssi, __func__, "rssi")) return NKW_PAL_FAIL;
     char response[kResponseSize];
     std::memset(response, 0, sizeof response);
     uint32_t length = 0;

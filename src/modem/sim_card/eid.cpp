@@ -2,6 +2,7 @@
 #include <cstring>
 
 #include "diag/log.h"
+#include "modem/answer_check.h"
 #include "modem/info_tag.h"
 #include "modem/mipc.h"
 #include "nkw_pal/info.h"
@@ -20,21 +21,9 @@ extern "C" int32_t nkw_pal_get_eid(char *eid) {
     char shown[kTextBuffer];
     std::memset(response, 0, sizeof response);
     std::memset(shown, 0, sizeof shown);
-    if (eid == nullptr) {
-        NKW_LOGE(kTag, "get eid failed for param \n");
-        return NKW_PAL_INVALID_ARG;
-    }
+    if (!nkw::info::argument_given(eid, __func__, "eid")) return NKW_PAL_INVALID_ARG;
     mipc_sys_at_struct record;
-    std::memset(&record, 0, sizeof record);
-    mipc_result_enum result = mipc_sys_at_sync(MIPC_PS_ALL, &record, "AT+GTESIMID=1");
-    if (result != MIPC_RESULT_SUCCESS) {
-        NKW_LOGE(kTag, "get eid failed for result: %d \n", result);
-        return NKW_PAL_FAIL;
-    }
-    if (record.result_code != 0) {
-        NKW_LOGE(kTag, "operater success, but excute result: %d \n", record.result_code);
-        return NKW_PAL_FAIL;
-    }
+    if (!nkw::info::at_answer(__func__, "eid", "AT+GTESIMID=1", record)) return NKW_PAL_FAIL;
     size_t length = strnlen(record.atcmd_res_ptr, sizeof record.atcmd_res_ptr);
     if (length > kTextBuffer - 1) {
         NKW_LOGE(kTag, "get eid failed for EID is null \n");

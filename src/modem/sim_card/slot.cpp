@@ -2,6 +2,7 @@
 #include <cstring>
 
 #include "diag/log.h"
+#include "modem/answer_check.h"
 #include "modem/info_tag.h"
 #include "modem/mipc.h"
 #include "nkw_pal/info.h"
@@ -25,12 +26,8 @@ int32_t nkw_pal_get_current_sim_slot(void) {
         return kSlotUnknown;
     }
     mipc_result_enum result = mipc_sys_mapping_get_sync(MIPC_PS_ALL, record.get());
-    if (result != MIPC_RESULT_SUCCESS) {
-        NKW_LOGE(kTag, "mipc_sys_mapping_get_sync failed, api_result=%d. \n", result);
-        return kSlotUnknown;
-    }
-    if (record->result_code != 0) {
-        NKW_LOGE(kTag, "mipc_sys_mapping_get_sync result=%d. \n", record->result_code);
+    if (!nkw::info::call_ok(__func__, "mipc_sys_mapping_get_sync", result, record->result_code,
+                            nkw::info::CodeLabel::kResult)) {
         return kSlotUnknown;
     }
     uint32_t ps_id = record->mapping_list[0].ps_id;
@@ -50,12 +47,8 @@ int32_t nkw_pal_sim_slot_switch(int32_t slot) {
     mipc_sys_mapping_struct result_record;
     std::memset(&result_record, 0, sizeof result_record);
     mipc_result_enum result = mipc_sys_mapping_set_sync(MIPC_PS_ALL, &result_record, 1, &mapping);
-    if (result != MIPC_RESULT_SUCCESS) {
-        NKW_LOGE(kTag, "mipc_sys_mapping_set_sync failed, api_result=%d. \n", result);
-        return NKW_PAL_FAIL;
-    }
-    if (result_record.result_code != 0) {
-        NKW_LOGE(kTag, "mipc_sys_mapping_set_sync result_code=%d. \n", result_record.result_code);
+    if (!nkw::info::call_ok(__func__, "mipc_sys_mapping_set_sync", result,
+                            result_record.result_code, nkw::info::CodeLabel::kResultCode)) {
         return NKW_PAL_FAIL;
     }
     return NKW_PAL_OK;

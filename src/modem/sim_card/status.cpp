@@ -2,6 +2,7 @@
 #include <cstring>
 
 #include "diag/log.h"
+#include "modem/answer_check.h"
 #include "modem/info_tag.h"
 #include "modem/mipc.h"
 #include "modem/sim_card/status_code.h"
@@ -31,12 +32,8 @@ int32_t nkw_pal_get_sim_status(int32_t index) {
     mipc_sim_state_struct state;
     std::memset(&state, 0, sizeof state);
     mipc_result_enum result = mipc_sim_state_get_sync(id, &state);
-    if (result != MIPC_RESULT_SUCCESS) {
-        NKW_LOGE(kTag, "mipc_sim_state_get_sync failed, api_result=%d. \n", result);
-        return nkw::info::kStatusUnknown;
-    }
-    if (state.result_code != 0) {
-        NKW_LOGE(kTag, "mipc_sim_state_get_sync result=%d. \n", state.result_code);
+    if (!nkw::info::call_ok(__func__, "mipc_sim_state_get_sync", result, state.result_code,
+                            nkw::info::CodeLabel::kResult)) {
         return nkw::info::kStatusUnknown;
     }
     NKW_LOGI(kTag, "mipc_sim_state_get_sync sim_id=%d, sim_state=%d. \n", state.sim_id,

@@ -41,12 +41,12 @@ ServingIdentity serving_identity(const char *func, const mipc_nw_cell_info_struc
         const uint64_t lte = cell_id ? cell.lte_cell_id : cell.lte_tac;
         const uint64_t nr = cell_id ? cell.nr_cell_id : cell.nr_tac;
         const uint64_t gw = cell_id ? cell.gw_cell_id : cell.gw_lac;
-        if (cell.cell_type == kCellTypeLte && valid_identity(lte)) return {lte, "LTE"};
-        if (cell.cell_type == kCellTypeNr && valid_identity(nr)) return {nr, "NR"};
-        if (first_type == kCellTypeGsm && valid_identity(gw)) return {gw, "GSM"};
-        if (first_type == kCellTypeUmts && valid_identity(gw)) return {gw, "UMTS"};
+        if (cell.cell_type == kCellTypeLte && valid_identity(lte)) return {lte, ServingRadio::kLte};
+        if (cell.cell_type == kCellTypeNr && valid_identity(nr)) return {nr, ServingRadio::kNr};
+        if (first_type == kCellTypeGsm && valid_identity(gw)) return {gw, ServingRadio::kGsm};
+        if (first_type == kCellTypeUmts && valid_identity(gw)) return {gw, ServingRadio::kUmts};
     }
-    return {0, nullptr};
+    return {0, ServingRadio::kNone};
 }
 
 }  // namespace nkw::info

@@ -33,11 +33,12 @@ HeapRecord<mipc_nw_cell_info_struct> fetch_cells(const char *func, const char *w
 // Which identity of an entry a walk looks for.
 enum class CellIdentity : uint8_t { kCellId, kAreaCode };
 
-// The first entry with a valid identity: its value and type name ("LTE",
-// "NR", "GSM", "UMTS"), or a null type when no entry has one.
+// The first entry with a valid identity: its value and its radio, or kNone
+// when no entry has one. (Each query logs its own line per radio.)
+enum class ServingRadio : uint8_t { kNone, kLte, kNr, kGsm, kUmts };
 struct ServingIdentity {
     uint64_t value;
-    const char *type;
+    ServingRadio radio;
 };
 ServingIdentity serving_identity(const char *func, const mipc_nw_cell_info_struct &record,
                                  CellIdentity which);
